@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "registry/TextArg.h"
 #include "registry/TextList.h"
 #include "registry/UnitRegistry.h"
 #include "units/KVexpr.h"
@@ -61,7 +62,8 @@ int xunUnitGetAll(char** list) {
 
 int xunUnitNew(const char* ident, const char* key, const char* abbreviation,
                const char* expression) {
-    const std::string identText(ident), keyText(key), abbrText(abbreviation), exprText(expression);
+    const std::string identText = xunTextArg_(ident), keyText = xunTextArg_(key),
+                      abbrText = xunTextArg_(abbreviation), exprText = xunTextArg_(expression);
     long newKey = 100000;
     for (const CKVunit* unit : UnitList_)
         if (unit != nullptr && unit->m_lKey >= newKey)

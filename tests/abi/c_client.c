@@ -1,0 +1,27 @@
+/* A plain C program against libxun.so: xun.h compiles as strict C and the
+   exported functions link and answer on an empty registry. */
+#include <stdio.h>
+
+#include "xun.h"
+
+static int failures = 0;
+
+static void check(int condition, const char* what) {
+    if (!condition) {
+        printf("FAILED: %s\n", what);
+        ++failures;
+    }
+}
+
+int main(void) {
+    char* list = NULL;
+    int tag = -1;
+    const char* key = NULL;
+    check(xunUnitGetAll(&list) == 0 && list == NULL, "xunUnitGetAll on an empty registry");
+    check(xunGetNextUnit(0, &tag, &key) == 0 && tag == -1, "xunGetNextUnit on an empty registry");
+    check(xunGetUnitTag("meter", &tag) == 0 && tag == 0, "xunGetUnitTag stores 0");
+    check(xunUnitNew("m", "meter", "m", "Length") == 0, "xunUnitNew without base units");
+    if (failures == 0)
+        printf("c client: all checks passed\n");
+    return failures == 0 ? 0 : 1;
+}

@@ -1,0 +1,23 @@
+#!/bin/sh
+# Checks that libxun.so exports the C interface of xun.h and nothing else.
+# usage: check_exports.sh LIBRARY HEADER
+set -eu
+lib=$1
+header=$2
+tmp=$(mktemp -d)
+trap 'rm -rf "$tmp"' EXIT
+grep -oE '\b(xun[A-Za-z0-9_]*|LoadUnitBaseGroupFile|_fullpath|_splitpath|_makepath)[[:space:]]*\(' "$header" |
+  sed 's/[[:space:]]*($//' | sort -u > "$tmp/declared"
+nm -D --defined-only "$lib" | awk '{print $3}' | c++filt | sed 's/(.*//' | sort -u > "$tmp/exported"
+extra=$(comm -13 "$tmp/declared" "$tmp/exported")
+if [ -n "$extra" ]; then
+  echo "exported but not part of the interface:"
+  echo "$extra"
+  exit 1
+fi
+count=$(wc -l < "$tmp/exported")
+if [ "$count" -eq 0 ]; then
+  echo "libxun.so exports nothing"
+  exit 1
+fi
+echo "$count exported symbols, all declared in xun.h"
