@@ -51,11 +51,19 @@ CKVunitList::iterator xunFindUnit_(const CKVunit* unit) {
     return UnitList_.end();
 }
 
-void xunRemoveFirstUnit_(long key, const std::string& ident) {
-    UnitStringMap_.erase(ident);
-    UnitMap_.erase(key);
-    if (!UnitList_.empty())
-        UnitList_.pop_front();
+void xunRemoveUnit_(const CKVunit* unit) {
+    CKVunitStringMap::iterator byIdent = UnitStringMap_.find(unit->m_strIdent);
+    if (byIdent != UnitStringMap_.end() && byIdent->second == unit)
+        UnitStringMap_.erase(byIdent);
+    CKVunitMap::iterator byKey = UnitMap_.find(unit->m_lKey);
+    if (byKey != UnitMap_.end() && byKey->second == unit)
+        UnitMap_.erase(byKey);
+    for (CKVunitList::iterator it = UnitList_.begin(); it != UnitList_.end(); ++it) {
+        if (*it == unit) {
+            UnitList_.erase(it);
+            break;
+        }
+    }
     PrevFoundUn = nullptr;
     PrevFoundPosSet = false;
 }

@@ -37,7 +37,7 @@ bool xunUnitNameMatches_(const std::string& desc, const char* name);
 // First unit in list order of the given dimension whose key is non-zero.
 const CKVunit* xunFirstEqvUnit_(const CKVdimension& dim);
 
-// Takes the first element out of UnitList_ and the unit's entries out of both
-// maps; the caller deletes the unit. Clears the find cache, which must never
-// outlive its element.
-void xunRemoveFirstUnit_(long key, const std::string& ident);
+// Takes a registered unit out of UnitList_ and out of both maps (its key and
+// ident entries); the caller deletes the unit. Clears the find cache, which
+// must never outlive its element.
+void xunRemoveUnit_(const CKVunit* unit);

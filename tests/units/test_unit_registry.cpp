@@ -376,7 +376,7 @@ TEST(UnitRegistry, FindCacheSurvivesRemovalOfTheFirstUnit) {
     ASSERT_EQ(xunGetNextUnit(1, &tag, &key), 1);
     EXPECT_EQ(tag, 1000);
     CKVunit* base = xunFindUnitByKey_(1);
-    xunRemoveFirstUnit_(1, "base");
+    xunRemoveUnit_(base);
     delete base;
     EXPECT_EQ(xunFindUnitByKey_(1), nullptr);
     EXPECT_EQ(xunFindUnitByIdent_("base"), nullptr);
