@@ -1,0 +1,185 @@
+// Exported conversion functions: single values and float or double arrays
+// between two units of the same dimension, to and from the base unit, and to
+// and from the user unit of an item type.
+//
+// Every conversion is evaluated in double precision in one fixed order -
+// multiply by the source factor, add the source offset, subtract the target
+// offset, divide by the target factor - with nothing precomputed, so that each
+// result equals this stepwise evaluation bit for bit. The library is built
+// with -ffp-contract=off, so no multiply and add are ever fused.
+#include "registry/ItemTypeRegistry.h"
+#include "registry/UnitRegistry.h"
+#include "xun.h"
+
+namespace {
+
+// The factors and offsets of a unit-to-unit conversion, copied out of the
+// units so that the array loops see plain locals that no store can change.
+struct Conversion {
+    double fromFactor;
+    double fromOffset;
+    double toOffset;
+    double toFactor;
+
+    double Apply(double x) const { return ((x * fromFactor + fromOffset) - toOffset) / toFactor; }
+};
+
+// Both units registered with non-zero keys and of the same dimension.
+bool FindConversion(int fromTag, int toTag, Conversion& conversion) {
+    const CKVunit* from = xunFindUnitByKey_(fromTag);
+    const CKVunit* to = xunFindUnitByKey_(toTag);
+    if (from == nullptr || to == nullptr || from->m_lKey == 0 || to->m_lKey == 0 ||
+        !from->IsEqv(*to))
+        return false;
+    conversion.fromFactor = from->m_dFactor;
+    conversion.fromOffset = from->m_dOffset;
+    conversion.toOffset = to->m_dOffset;
+    conversion.toFactor = to->m_dFactor;
+    return true;
+}
+
+// The array loops. An element is converted only when it is below or above
+// the delete value; the delete value itself and NaN (element or delete value)
+// stay as they are. The select is written without a branch, and the arrays
+// are processed in blocks of a fixed length followed by one short tail: a
+// loop whose trip count is a multiple of the vector length is what GCC
+// vectorises at -O2. Vector and scalar instructions round alike, so the
+// results do not depend on which of them ran. This file is compiled with
+// -fno-trapping-math (registry/CMakeLists.txt says why that is safe).
+const int kBlock = 8;
+
+inline void ConvertBlockD(const Conversion& c, double* values, int count, double deleteValue) {
+    for (int i = 0; i < count; ++i) {
+        const double x = values[i];
+        values[i] = (x < deleteValue || x > deleteValue) ? c.Apply(x) : x;
+    }
+}
+
+// The comparison is made in single precision, the conversion in double
+// precision; the result is rounded to float when stored.
+inline void ConvertBlockF(const Conversion& c, float* values, int count, float deleteValue) {
+    for (int i = 0; i < count; ++i) {
+        const float x = values[i];
+        values[i] = (x < deleteValue || x > deleteValue) ? static_cast<float>(c.Apply(x)) : x;
+    }
+}
+
+void ConvertArrayD(const Conversion& c, double* values, int count, double deleteValue) {
+    int done = 0;
+    for (; count - done >= kBlock; done += kBlock)
+        ConvertBlockD(c, values + done, kBlock, deleteValue);
+    if (count > done)
+        ConvertBlockD(c, values + done, count - done, deleteValue);
+}
+
+void ConvertArrayF(const Conversion& c, float* values, int count, float deleteValue) {
+    int done = 0;
+    for (; count - done >= kBlock; done += kBlock)
+        ConvertBlockF(c, values + done, kBlock, deleteValue);
+    if (count > done)
+        ConvertBlockF(c, values + done, count - done, deleteValue);
+}
+
+// The user unit of an item type (its chosen unit or its default unit, -1
+// for none); false for an unknown item type.
+bool FindUserUnit(int itemKey, int& userUnit) {
+    const CKVitemType* item = xunFindItemTypeByKey_(itemKey);
+    if (item == nullptr)
+        return false;
+    userUnit = item->GetItemUserUnit();
+    return true;
+}
+
+} // namespace
+
+extern "C" {
+
+int xunConvertUnit(int fromTag, int toTag, double* result, double value) {
+    Conversion conversion;
+    if (!FindConversion(fromTag, toTag, conversion)) {
+        *result = value;
+        return 0;
+    }
+    *result = conversion.Apply(value);
+    return 1;
+}
+
+int xunConvertItemArrayD(int fromTag, int toTag, double* values, int count, double deleteValue) {
+    Conversion conversion;
+    if (!FindConversion(fromTag, toTag, conversion))
+        return 0;
+    ConvertArrayD(conversion, values, count, deleteValue);
+    return 1;
+}
+
+int xunConvertItemArrayF(int fromTag, int toTag, float* values, int count, float deleteValue) {
+    Conversion conversion;
+    if (!FindConversion(fromTag, toTag, conversion))
+        return 0;
+    ConvertArrayF(conversion, values, count, deleteValue);
+    return 1;
+}
+
+int xunConvertUnitToBase(int tag, double* result, double value) {
+    const CKVunit* unit = xunFindUnitByKey_(tag);
+    if (unit == nullptr)
+        return 0;
+    *result = value * unit->m_dFactor + unit->m_dOffset;
+    return 1;
+}
+
+int xunConvertUnitFromBase(int tag, double* result, double value) {
+    const CKVunit* unit = xunFindUnitByKey_(tag);
+    if (unit == nullptr)
+        return 0;
+    *result = (value - unit->m_dOffset) / unit->m_dFactor;
+    return 1;
+}
+
+int xunConvertToUserUnit(int itemKey, int fromTag, double* result, double value) {
+    int userUnit = -1;
+    if (!FindUserUnit(itemKey, userUnit))
+        return 0;
+    return xunConvertUnit(fromTag, userUnit, result, value);
+}
+
+int xunConvertFromUserUnit(int itemKey, int toTag, double* result, double value) {
+    int userUnit = -1;
+    if (!FindUserUnit(itemKey, userUnit))
+        return 0;
+    return xunConvertUnit(userUnit, toTag, result, value);
+}
+
+int xunConvertItemArrayToUserUnitD(int itemKey, int fromTag, double* values, int count,
+                                   double deleteValue) {
+    int userUnit = -1;
+    if (!FindUserUnit(itemKey, userUnit))
+        return 0;
+    return xunConvertItemArrayD(fromTag, userUnit, values, count, deleteValue);
+}
+
+int xunConvertItemArrayToUserUnitF(int itemKey, int fromTag, float* values, int count,
+                                   float deleteValue) {
+    int userUnit = -1;
+    if (!FindUserUnit(itemKey, userUnit))
+        return 0;
+    return xunConvertItemArrayF(fromTag, userUnit, values, count, deleteValue);
+}
+
+int xunConvertItemArrayFromUserUnitD(int itemKey, int toTag, double* values, int count,
+                                     double deleteValue) {
+    int userUnit = -1;
+    if (!FindUserUnit(itemKey, userUnit))
+        return 0;
+    return xunConvertItemArrayD(userUnit, toTag, values, count, deleteValue);
+}
+
+int xunConvertItemArrayFromUserUnitF(int itemKey, int toTag, float* values, int count,
+                                     float deleteValue) {
+    int userUnit = -1;
+    if (!FindUserUnit(itemKey, userUnit))
+        return 0;
+    return xunConvertItemArrayF(userUnit, toTag, values, count, deleteValue);
+}
+
+} // extern "C"

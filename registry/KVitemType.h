@@ -1,0 +1,71 @@
+// CKVitemType: one item type - a physical quantity that data is stored as,
+// with its dimension, its ordered list of allowed units (the first one is
+// the default unit), an optional user unit, a filter mask, a file-item flag,
+// a number of decimals and a default value.
+#pragma once
+
+#include <list>
+#include <string>
+
+#include "registry/KVfilter.h"
+#include "units/KVdim.h"
+#include "units/KVunit.h"
+
+class CKVitemType {
+  public:
+    // Stores a pointer to the dimension (never freed by the item type) and
+    // the initial values: no user unit (-1), no allowed units, filter mask 0,
+    // file item 1, decimals -1 (not given), default value 0.0.
+    CKVitemType(const std::string& keyText, long key, const std::string& ident,
+                const CKVdimension& dimension);
+
+    // Adds a unit of the item type's dimension to the allowed list, before
+    // all others (it becomes the default unit) when atFront is true, else
+    // after them. Returns false, changing nothing, when a unit with the same
+    // key or ident is already allowed. A unit of another dimension ends the
+    // process (assertion "bOk").
+    bool AllowUnit(CKVunit& unit, bool atFront);
+    // The seq-th allowed unit counting from 1; null when seq is out of range.
+    const CKVunit* GetUnit(long seq) const;
+    // Stores the tag as the user unit, without any check.
+    void SetItemUserUnit(int tag);
+    // The user unit if one was chosen, else the default unit's key, else -1.
+    int GetItemUserUnit() const;
+    // Ends the process when the key is 0 or the dimension is missing.
+    void AssertValid() const;
+    std::list<CKVunit*>& GetUnitList() { return m_lstUnits; }
+
+    void SetFilter(long mask) { m_lFilter = mask; }
+    long GetFilter() const { return m_lFilter; }
+    void FileItem(int flag) { m_nFileItem = flag; }
+    int IsFileItem() const { return m_nFileItem; }
+    // True when the filter mask shares a bit with the filter's bit value.
+    bool IsMemberOf(const CKVfilter& filter) const;
+    // True when the filter mask shares a bit with bits.
+    bool IsMemberOf(long bits) const;
+
+    std::string m_strKey;             // the description text
+    long m_nNumId;                    // numeric key, never 0
+    long m_lUserUnit;                 // tag of the user unit, -1 for none
+    std::string m_strIdent;           // unique among item types
+    const CKVdimension* m_pDimension; // borrowed, never freed here
+    std::list<CKVunit*> m_lstUnits;   // allowed units; the first is the default
+    long m_lFilter;                   // bit set of the filters it belongs to
+    int m_nFileItem;                  // may be stored in data files
+    int m_nDecimals;                  // decimals for display, -1 = not given
+    double m_dDefault;                // default value
+};
+
+typedef std::list<CKVunit*> CKVunitList;
+
+// The list type of the item-type registry, in registration order, with the
+// writers of the include files and the allowed-units report.
+class CKVitemTypeList : public std::list<CKVitemType*> {
+  public:
+    // Writes "xunDefine.c__", "xunDefine.p__", "xunDefine.f__" and
+    // "xunDefine.cs" into the current directory: these item types, then the
+    // units and the filters when their lists are given.
+    void WriteIncludes(const CKVunitList* units, const CKVfilterList* filters);
+    // Writes "xunAllowedUnits.HTML": each item type with its allowed units.
+    void WriteAllowedUnits();
+};

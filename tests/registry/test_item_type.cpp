@@ -1,0 +1,256 @@
+// CKVitemType, CKVfilter and the registration functions of both registries.
+#include <gtest/gtest.h>
+
+#include "registry_fixture.h"
+
+namespace {
+
+using xuntest::RegisterFilter;
+using xuntest::RegisterItemType;
+using xuntest::RegisterSampleUnits;
+using xuntest::RegisterUnit;
+
+TEST(ItemType, ConstructorSetsTheInitialValues) {
+    const CKVdimension& dim = CKVdimension::GetLength();
+    CKVitemType item("water level", 500, "WaterLevel", dim);
+    EXPECT_EQ(item.m_strKey, "water level");
+    EXPECT_EQ(item.m_nNumId, 500);
+    EXPECT_EQ(item.m_lUserUnit, -1);
+    EXPECT_EQ(item.m_strIdent, "WaterLevel");
+    EXPECT_EQ(item.m_pDimension, &dim);
+    EXPECT_TRUE(item.m_lstUnits.empty());
+    EXPECT_EQ(item.m_lFilter, 0);
+    EXPECT_EQ(item.GetFilter(), 0);
+    EXPECT_EQ(item.m_nFileItem, 1);
+    EXPECT_EQ(item.IsFileItem(), 1);
+    EXPECT_EQ(item.m_nDecimals, -1);
+    EXPECT_EQ(item.m_dDefault, 0.0);
+    EXPECT_EQ(&item.GetUnitList(), &item.m_lstUnits);
+}
+
+TEST(ItemType, AllowUnitAppendsOrPutsInFront) {
+    RegisterSampleUnits();
+    CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
+    EXPECT_TRUE(item.AllowUnit(*xunFindUnitByIdent_("m"), false));
+    EXPECT_TRUE(item.AllowUnit(*xunFindUnitByIdent_("km"), false));
+    EXPECT_TRUE(item.AllowUnit(*xunFindUnitByIdent_("ft"), true));
+    ASSERT_EQ(item.m_lstUnits.size(), 3u);
+    EXPECT_EQ(item.GetUnit(1)->m_strIdent, "ft");
+    EXPECT_EQ(item.GetUnit(2)->m_strIdent, "m");
+    EXPECT_EQ(item.GetUnit(3)->m_strIdent, "km");
+    EXPECT_EQ(item.GetItemUserUnit(), 1002);
+}
+
+TEST(ItemType, AllowUnitRefusesSameKeyOrSameIdent) {
+    RegisterSampleUnits();
+    CKVunit* m = xunFindUnitByIdent_("m");
+    CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
+    ASSERT_TRUE(item.AllowUnit(*m, false));
+    EXPECT_FALSE(item.AllowUnit(*m, false));
+    EXPECT_FALSE(item.AllowUnit(*m, true));
+    // An unregistered unit that shares only the key, or only the ident.
+    CKVunit sameKey("other", "o", 1000, 2.0, CKVdimension::GetLength());
+    sameKey.m_strIdent = "other";
+    EXPECT_FALSE(item.AllowUnit(sameKey, true));
+    CKVunit sameIdent("meter again", "m", 4711, 2.0, CKVdimension::GetLength());
+    sameIdent.m_strIdent = "m";
+    EXPECT_FALSE(item.AllowUnit(sameIdent, false));
+    // The ident is compared byte for byte, whole.
+    CKVunit longer("longer", "mm", 4712, 0.001, CKVdimension::GetLength());
+    longer.m_strIdent = "mm";
+    EXPECT_TRUE(item.AllowUnit(longer, false));
+    ASSERT_EQ(item.m_lstUnits.size(), 2u);
+    EXPECT_EQ(item.m_lstUnits.front(), m);
+    EXPECT_EQ(item.m_lstUnits.back(), &longer);
+}
+
+TEST(ItemType, AllowUnitSkipsNullElements) {
+    RegisterSampleUnits();
+    CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
+    item.m_lstUnits.push_back(nullptr);
+    EXPECT_TRUE(item.AllowUnit(*xunFindUnitByIdent_("km"), false));
+    EXPECT_FALSE(item.AllowUnit(*xunFindUnitByIdent_("km"), false));
+    EXPECT_EQ(item.m_lstUnits.size(), 2u);
+}
+
+TEST(ItemType, GetUnitCountsFromOne) {
+    RegisterSampleUnits();
+    CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
+    EXPECT_EQ(item.GetUnit(1), nullptr);
+    item.AllowUnit(*xunFindUnitByIdent_("m"), false);
+    item.AllowUnit(*xunFindUnitByIdent_("km"), false);
+    EXPECT_EQ(item.GetUnit(0), nullptr);
+    EXPECT_EQ(item.GetUnit(-1), nullptr);
+    EXPECT_EQ(item.GetUnit(3), nullptr);
+    EXPECT_EQ(item.GetUnit(1), xunFindUnitByIdent_("m"));
+    EXPECT_EQ(item.GetUnit(2), xunFindUnitByIdent_("km"));
+}
+
+TEST(ItemType, UserUnitFallsBackToTheDefaultUnit) {
+    RegisterSampleUnits();
+    CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
+    EXPECT_EQ(item.GetItemUserUnit(), -1);
+    item.AllowUnit(*xunFindUnitByIdent_("m"), false);
+    EXPECT_EQ(item.GetItemUserUnit(), 1000);
+    item.AllowUnit(*xunFindUnitByIdent_("km"), true);
+    EXPECT_EQ(item.GetItemUserUnit(), 1001);
+    // Stored without any check, even a unit of another dimension.
+    item.SetItemUserUnit(1011);
+    EXPECT_EQ(item.m_lUserUnit, 1011);
+    EXPECT_EQ(item.GetItemUserUnit(), 1011);
+    item.SetItemUserUnit(-1);
+    EXPECT_EQ(item.GetItemUserUnit(), 1001);
+    item.SetItemUserUnit(-5);
+    EXPECT_EQ(item.m_lUserUnit, -5);
+    EXPECT_EQ(item.GetItemUserUnit(), -5);
+}
+
+TEST(ItemType, FilterMaskAndFileItemFlag) {
+    CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
+    item.SetFilter(5);
+    EXPECT_EQ(item.GetFilter(), 5);
+    EXPECT_TRUE(item.IsMemberOf(1L));
+    EXPECT_TRUE(item.IsMemberOf(6L));
+    EXPECT_FALSE(item.IsMemberOf(2L));
+    EXPECT_FALSE(item.IsMemberOf(0L));
+    EXPECT_TRUE(item.IsMemberOf(CKVfilter("four", 4)));
+    EXPECT_FALSE(item.IsMemberOf(CKVfilter("eight", 8)));
+    item.SetFilter(0x80000000L);
+    EXPECT_TRUE(item.IsMemberOf(-0x80000000L));
+    EXPECT_FALSE(item.IsMemberOf(0x7FFFFFFFL));
+    item.FileItem(0);
+    EXPECT_EQ(item.IsFileItem(), 0);
+    item.FileItem(7);
+    EXPECT_EQ(item.IsFileItem(), 7);
+}
+
+TEST(ItemType, AssertValidAcceptsAValidItemType) {
+    CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
+    item.AssertValid();
+    SUCCEED();
+}
+
+TEST(ItemTypeDeathTest, AllowUnitOfAnotherDimensionAborts) {
+    RegisterSampleUnits();
+    CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
+    EXPECT_DEATH(item.AllowUnit(*xunFindUnitByIdent_("s"), false),
+                 "KVitemType:[0-9]+: bool CKVitemType::AllowUnit\\(CKVunit &, bool\\): "
+                 "Assertion `bOk' failed");
+    item.m_pDimension = nullptr;
+    EXPECT_DEATH(item.AllowUnit(*xunFindUnitByIdent_("m"), true),
+                 "KVitemType:[0-9]+: bool CKVitemType::AllowUnit\\(CKVunit &, bool\\): "
+                 "Assertion `bOk' failed");
+}
+
+TEST(ItemTypeDeathTest, NullAllowedUnitAborts) {
+    RegisterSampleUnits();
+    CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
+    item.AllowUnit(*xunFindUnitByIdent_("m"), false);
+    item.m_lstUnits.push_back(nullptr);
+    EXPECT_EQ(item.GetUnit(1), xunFindUnitByIdent_("m"));
+    EXPECT_DEATH(item.GetUnit(2),
+                 "KVitemType:[0-9]+: const CKVunit \\*CKVitemType::GetUnit\\(long\\) "
+                 "const: Assertion `Un' failed");
+    item.m_lstUnits.push_front(nullptr);
+    EXPECT_DEATH(
+        item.GetItemUserUnit(),
+        "KVitemType:[0-9]+: int CKVitemType::GetItemUserUnit\\(\\): Assertion `Un' failed");
+    // A chosen user unit is returned without looking at the list.
+    item.SetItemUserUnit(1001);
+    EXPECT_EQ(item.GetItemUserUnit(), 1001);
+}
+
+TEST(ItemTypeDeathTest, AssertValidChecksKeyThenDimension) {
+    CKVitemType item("level", 0, "Level", CKVdimension::GetLength());
+    item.m_pDimension = nullptr;
+    EXPECT_DEATH(item.AssertValid(),
+                 "KVitemType:[0-9]+: void CKVitemType::AssertValid\\(\\) const: "
+                 "Assertion `m_nNumId' failed");
+    item.m_nNumId = 3;
+    EXPECT_DEATH(item.AssertValid(),
+                 "KVitemType:[0-9]+: void CKVitemType::AssertValid\\(\\) const: "
+                 "Assertion `m_pDimension' failed");
+}
+
+TEST(ItemTypeRegistry, AddItemTypeRefusesTakenKeyOrIdent) {
+    CKVitemType* level = RegisterItemType("Level", 500, CKVdimension::GetLength());
+    CKVitemType sameKey("other", 500, "Other", CKVdimension::GetLength());
+    EXPECT_EQ(AddItemType_(500, sameKey), 0);
+    CKVitemType sameIdent("level again", 501, "Level", CKVdimension::GetLength());
+    EXPECT_EQ(AddItemType_(501, sameIdent), 0);
+    ASSERT_EQ(ItemTypeList_.size(), 1u);
+    EXPECT_EQ(ItemTypeList_.front(), level);
+    EXPECT_EQ(ItemTypeMap_.size(), 1u);
+    EXPECT_EQ(ItemTypeStringMap_.size(), 1u);
+    EXPECT_EQ(xunFindItemTypeByKey_(500), level);
+    EXPECT_EQ(xunFindItemTypeByIdent_("Level"), level);
+}
+
+TEST(ItemTypeRegistry, AddItemTypeAppendsAndLookupsNeverInsert) {
+    CKVitemType* a = RegisterItemType("A", 700, CKVdimension::GetLength());
+    CKVitemType* b = RegisterItemType("B", 600, CKVdimension::GetTime());
+    EXPECT_EQ(ItemTypeList_.front(), a);
+    EXPECT_EQ(ItemTypeList_.back(), b);
+    EXPECT_EQ(xunFindItemTypeByKey_(601), nullptr);
+    EXPECT_EQ(xunFindItemTypeByIdent_("C"), nullptr);
+    EXPECT_EQ(xunFindItemTypeByIdent_("a"), nullptr);
+    EXPECT_EQ(ItemTypeMap_.size(), 2u);
+    EXPECT_EQ(ItemTypeStringMap_.size(), 2u);
+}
+
+TEST(ItemTypeRegistry, EmptyMapEntriesCountAsAbsent) {
+    ItemTypeMap_[42] = nullptr;
+    ItemTypeStringMap_["Late"] = nullptr;
+    EXPECT_EQ(xunFindItemTypeByKey_(42), nullptr);
+    EXPECT_EQ(xunFindItemTypeByIdent_("Late"), nullptr);
+    CKVitemType* late = RegisterItemType("Late", 42, CKVdimension::GetLength());
+    EXPECT_EQ(xunFindItemTypeByKey_(42), late);
+    EXPECT_EQ(xunFindItemTypeByIdent_("Late"), late);
+    EXPECT_EQ(ItemTypeList_.size(), 1u);
+}
+
+TEST(Filter, ConstructorAndBitValue) {
+    CKVfilter filter("surface water", 4);
+    EXPECT_EQ(filter.m_strKey, "surface water");
+    EXPECT_EQ(filter.m_strIdent, "");
+    EXPECT_EQ(filter.m_lKey, 4);
+    EXPECT_EQ(static_cast<long>(filter), 4);
+    CKVfilter* flyby = new CKVfilter("flyby", 0x80000000L);
+    EXPECT_EQ(static_cast<long>(*flyby), 0x80000000L);
+    delete flyby;
+}
+
+TEST(FilterRegistry, AddFilterRefusesTakenBitOrIdent) {
+    CKVfilter* water = RegisterFilter("Water", 4);
+    CKVfilter sameBit("other", 4);
+    sameBit.m_strIdent = "Other";
+    EXPECT_EQ(AddFilter_(sameBit), 0);
+    CKVfilter sameIdent("water again", 8);
+    sameIdent.m_strIdent = "Water";
+    EXPECT_EQ(AddFilter_(sameIdent), 0);
+    ASSERT_EQ(FilterList_.size(), 1u);
+    EXPECT_EQ(FilterList_.front(), water);
+    EXPECT_EQ(FilterMap_.size(), 1u);
+    EXPECT_EQ(FilterStringMap_.size(), 1u);
+    EXPECT_EQ(xunFindFilterByKey_(4), water);
+    EXPECT_EQ(xunFindFilterByIdent_("Water"), water);
+    EXPECT_EQ(xunFindFilterByKey_(8), nullptr);
+    EXPECT_EQ(xunFindFilterByIdent_("Other"), nullptr);
+    EXPECT_EQ(FilterMap_.size(), 1u);
+    EXPECT_EQ(FilterStringMap_.size(), 1u);
+}
+
+TEST(FilterRegistry, EmptyMapEntriesCountAsAbsent) {
+    FilterMap_[16] = nullptr;
+    FilterStringMap_["Late"] = nullptr;
+    CKVfilter* late = RegisterFilter("Late", 16);
+    EXPECT_EQ(xunFindFilterByKey_(16), late);
+    EXPECT_EQ(xunFindFilterByIdent_("Late"), late);
+}
+
+TEST(FilterRegistry, ProductFilterStartsWithBitsZeroToThirty) {
+    EXPECT_EQ(ProductFilter_, 0x7FFFFFFFL);
+    EXPECT_EQ(FlybyFilter_, 0x80000000L);
+}
+
+} // namespace
