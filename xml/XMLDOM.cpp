@@ -1,0 +1,267 @@
+#include "xml/XMLDOM.h"
+
+#include <memory>
+
+#include <sys/stat.h>
+
+#include <xercesc/dom/DOMException.hpp>
+#include <xercesc/dom/DOMNodeList.hpp>
+#include <xercesc/sax/SAXException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLException.hpp>
+#include <xercesc/util/XMLString.hpp>
+
+using xercesc::DOMDocument;
+using xercesc::DOMNamedNodeMap;
+using xercesc::DOMNode;
+using xercesc::DOMNodeList;
+using xercesc::XMLPlatformUtils;
+using xercesc::XMLString;
+
+namespace MSXML2 {
+
+namespace {
+
+// Releases a buffer that XMLString::transcode allocated from the parser
+// library's default memory manager, through that same manager (it allocates
+// with operator new, so the C library's free would not match).
+struct ParserBufferRelease_ {
+    void operator()(void* buffer) const { XMLPlatformUtils::fgMemoryManager->deallocate(buffer); }
+};
+using ParserChars_ = std::unique_ptr<char, ParserBufferRelease_>;
+using ParserWideChars_ = std::unique_ptr<XMLCh, ParserBufferRelease_>;
+
+bool IsWildcardOrEmpty_(const CString& text) {
+    return text.IsEmpty() || text == "*";
+}
+
+} // namespace
+
+// ---------------------------------------------------------------------------
+// IXMLDOMNamedNodeMap
+
+CSmartPtr<IXMLDOMNode> IXMLDOMNamedNodeMap::getNamedItem(const CString& name) {
+    CSmartPtr<IXMLDOMNode> result(new IXMLDOMNode);
+    if (m_pMap == nullptr)
+        return result;
+    // A walk by index over the converted names (not the map's own lookup),
+    // so that the name is compared as local text, exactly.
+    const XMLSize_t count = m_pMap->getLength();
+    for (XMLSize_t i = 0; i < count; ++i) {
+        DOMNode* attribute = m_pMap->item(i);
+        if (attribute != nullptr && IXMLDOMNode::wide2cstr(attribute->getNodeName()) == name) {
+            result->m_pNode = attribute;
+            break;
+        }
+    }
+    return result;
+}
+
+// ---------------------------------------------------------------------------
+// IXMLDOMNode
+
+IXMLDOMNode::CAttributesProperty::operator CSmartPtr<IXMLDOMNamedNodeMap>() const {
+    return m_pOwner->getattributes();
+}
+
+CSmartPtr<IXMLDOMNamedNodeMap> IXMLDOMNode::CAttributesProperty::operator->() const {
+    return m_pOwner->getattributes();
+}
+
+IXMLDOMNode::CTextProperty::operator CString() const {
+    return m_pOwner->gettext();
+}
+
+CSmartPtr<IXMLDOMNodeList> IXMLDOMNode::selectNodes(const CString& path) {
+    CXPath xpath(path);
+    xpath.Parse();
+    CSmartPtr<IXMLDOMNodeList> list(new IXMLDOMNodeList);
+    addNodes(&*list, &xpath, 0, m_pNode);
+    return list;
+}
+
+void IXMLDOMNode::addNodes(IXMLDOMNodeList* list, CXPath* path, int level, DOMNode* node) {
+    if (list == nullptr || path == nullptr || node == nullptr)
+        return;
+    const int depth = path->GetTagDepth();
+    // A level outside the steps names no element that could be appended or
+    // descended into.
+    if (level < 0 || level >= depth)
+        return;
+    const CString attrName = path->GetToken(CXPathElement::Attribute);
+    const CString attrValue = path->GetToken(CXPathElement::Value);
+
+    // A depth-first walk in document order, with an explicit stack instead of
+    // recursion so that deep documents cannot exhaust the call stack. Children
+    // are reached through the sibling links: indexing the parser's child list
+    // walks from the first child on every access.
+    struct Step {
+        DOMNode* next; // the next child to test
+        int level;
+        CString tag;
+    };
+    std::vector<Step> stack;
+    stack.push_back(Step{node->getFirstChild(), level, path->GetTag(level)});
+    while (!stack.empty()) {
+        DOMNode* child = stack.back().next;
+        if (child == nullptr) {
+            stack.pop_back();
+            continue;
+        }
+        stack.back().next = child->getNextSibling();
+        const int childLevel = stack.back().level + 1;
+        if (!checkNode(child, stack.back().tag, attrName, attrValue))
+            continue;
+        if (childLevel == depth)
+            list->m_rawList.addNode(child);
+        else if (child->hasChildNodes())
+            stack.push_back(Step{child->getFirstChild(), childLevel, path->GetTag(childLevel)});
+    }
+}
+
+bool IXMLDOMNode::checkNode(DOMNode* node, const CString& tag, const CString& attrName,
+                            const CString& attrValue) {
+    if (node == nullptr)
+        return false;
+    if (!(tag == "*") && !(wide2cstr(node->getNodeName()) == tag))
+        return false;
+    bool nameOk = IsWildcardOrEmpty_(attrName);
+    bool valueOk = IsWildcardOrEmpty_(attrValue);
+    // The first attribute that matches by name or by value decides alone.
+    const DOMNamedNodeMap* map = node->getAttributes();
+    if (map != nullptr) {
+        const XMLSize_t count = map->getLength();
+        for (XMLSize_t i = 0; i < count && !nameOk && !valueOk; ++i) {
+            const DOMNode* attribute = map->item(i);
+            if (attribute == nullptr)
+                continue;
+            nameOk = wide2cstr(attribute->getNodeName()) == attrName;
+            valueOk = wide2cstr(attribute->getNodeValue()) == attrValue;
+        }
+    }
+    return nameOk && valueOk;
+}
+
+CSmartPtr<IXMLDOMNamedNodeMap> IXMLDOMNode::getattributes() {
+    return CSmartPtr<IXMLDOMNamedNodeMap>(
+        new IXMLDOMNamedNodeMap(m_pNode != nullptr ? m_pNode->getAttributes() : nullptr));
+}
+
+CString IXMLDOMNode::gettext() {
+    if (m_pNode == nullptr)
+        return CString();
+    return wide2cstr(m_pNode->getNodeValue());
+}
+
+CString IXMLDOMNode::wide2cstr(const XMLCh* text) {
+    if (text == nullptr)
+        return CString();
+    ParserChars_ converted(XMLString::transcode(text, XMLPlatformUtils::fgMemoryManager));
+    return CString(converted.get());
+}
+
+// ---------------------------------------------------------------------------
+// Node lists
+
+CSmartPtr<IXMLDOMNode> IXMLDOMRawNodeList::operator[](long index) const {
+    if (index < 0 || static_cast<size_t>(index) >= m_nodes.size())
+        return CSmartPtr<IXMLDOMNode>(new IXMLDOMNode);
+    return CSmartPtr<IXMLDOMNode>(new IXMLDOMNode(m_nodes[static_cast<size_t>(index)]));
+}
+
+IXMLDOMNodeList::CItemProperty::operator IXMLDOMRawNodeList&() const {
+    return m_pOwner->getitem();
+}
+
+CSmartPtr<IXMLDOMNode> IXMLDOMNodeList::CItemProperty::operator[](long index) const {
+    return m_pOwner->getitem()[index];
+}
+
+IXMLDOMNodeList::CLengthProperty::operator long() const {
+    return m_pOwner->getlength();
+}
+
+CSmartPtr<IXMLDOMNode> IXMLDOMNodeList::Getitem(long index) {
+    return m_rawList[index];
+}
+
+// ---------------------------------------------------------------------------
+// IXMLDOMDocument
+
+IXMLDOMDocument::IXMLDOMDocument() : m_parser(nullptr, XMLPlatformUtils::fgMemoryManager, nullptr) {
+    m_parser.setErrorHandler(&m_errorCounter);
+    m_parser.setSecurityManager(&m_securityManager);
+}
+
+IXMLDOMDocument::~IXMLDOMDocument() {
+    if (m_pDoc != nullptr)
+        m_pDoc->release();
+    for (DOMDocument* doc : m_earlierDocs)
+        doc->release();
+}
+
+bool IXMLDOMDocument::load(const CString& fileName) {
+    try {
+        // The current document stays alive for the wrappers that point into
+        // it; this object releases it at its end.
+        if (m_pDoc != nullptr) {
+            m_earlierDocs.push_back(m_pDoc);
+            m_pDoc = nullptr;
+        }
+        // A directory cannot be read as a document. The parser would find that
+        // out as well, but loses a buffer on the way.
+        struct stat status;
+        if (::stat(fileName.GetString(), &status) == 0 && S_ISDIR(status.st_mode))
+            return false;
+        m_parser.setValidationScheme(xercesc::XercesDOMParser::Val_Always);
+        m_parser.setDoNamespaces(true);
+        m_errorCounter.resetErrors();
+        m_parser.parse(fileName.GetString());
+        DOMDocument* doc = m_parser.adoptDocument();
+        if (m_errorCounter.m_nFatalErrors != 0 || doc == nullptr ||
+            doc->getDocumentElement() == nullptr) {
+            // Nothing points into a document that failed; free it at once.
+            if (doc != nullptr)
+                doc->release();
+            return false;
+        }
+        m_pDoc = doc;
+        return true;
+    } catch (const xercesc::XMLException&) {
+    } catch (const xercesc::DOMException&) {
+    } catch (const xercesc::SAXException&) {
+    } catch (...) {
+    }
+    return false;
+}
+
+CSmartPtr<IXMLDOMNode> IXMLDOMDocument::selectSingleNode(const CString& path) {
+    if (m_pDoc == nullptr)
+        return CSmartPtr<IXMLDOMNode>();
+    CXPath xpath(path);
+    xpath.Parse();
+    const CString tag = xpath.GetToken(CXPathElement::Tag);
+    const CString attrName = xpath.GetToken(CXPathElement::Attribute);
+    const CString attrValue = xpath.GetToken(CXPathElement::Value);
+
+    ParserWideChars_ tagName(
+        XMLString::transcode(tag.GetString(), XMLPlatformUtils::fgMemoryManager));
+    if (tagName == nullptr)
+        return CSmartPtr<IXMLDOMNode>();
+    // The list is walked until item() runs out instead of asking its length
+    // first: the length of this live list walks the whole document, and the
+    // walk can end at the first match.
+    DOMNodeList* elements = m_pDoc->getElementsByTagName(tagName.get());
+    if (elements == nullptr)
+        return CSmartPtr<IXMLDOMNode>();
+    for (XMLSize_t i = 0;; ++i) {
+        DOMNode* element = elements->item(i);
+        if (element == nullptr)
+            break;
+        if (IXMLDOMNode::checkNode(element, tag, attrName, attrValue))
+            return CSmartPtr<IXMLDOMNode>(new IXMLDOMNode(element));
+    }
+    return CSmartPtr<IXMLDOMNode>();
+}
+
+} // namespace MSXML2

@@ -1,0 +1,240 @@
+// The DOM wrapper: a small document-object interface over the Xerces-C DOM
+// parser, through which the setup loader reads its XML file.
+//
+// A document parses a file and finds one element by a location path; nodes
+// select children by a relative path and expose their attributes and text;
+// node lists and attribute maps hold what was found. Every result is a new
+// wrapper object handed out in a CSmartPtr. All text crosses this interface as
+// CString in the process's local character set.
+//
+// The document wrapper owns the parser and every document it parsed; node,
+// list and map wrappers point into those documents and must not be used after
+// the document wrapper is gone (nothing checks this). The parser platform must
+// be initialised (xercesc::XMLPlatformUtils::Initialize) before a document is
+// created or any text is converted.
+//
+// The wrappers never change a document. Apart from load, which reports every
+// failure through its result, their operations throw only when memory runs
+// out.
+#pragma once
+
+#include <SmartPtr>
+
+#include <vector>
+
+#include <xercesc/dom/DOMDocument.hpp>
+#include <xercesc/dom/DOMNamedNodeMap.hpp>
+#include <xercesc/dom/DOMNode.hpp>
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/sax/ErrorHandler.hpp>
+#include <xercesc/util/SecurityManager.hpp>
+
+#include "xml/CString.h"
+#include "xml/XPath.h"
+
+namespace MSXML2 {
+
+class IXMLDOMNode;
+class IXMLDOMNodeList;
+class IXMLDOMNamedNodeMap;
+
+// An attribute map of an element. m_pMap is null for a node without
+// attributes and for a wrapper made without a node.
+class IXMLDOMNamedNodeMap : public CSmartPtrAble {
+  public:
+    IXMLDOMNamedNodeMap() = default;
+    explicit IXMLDOMNamedNodeMap(xercesc::DOMNamedNodeMap* map) : m_pMap(map) {}
+
+    // A new node wrapper for the first attribute, in the map's order, whose
+    // converted name equals name exactly; its m_pNode is null when none does
+    // or when the map is null.
+    CSmartPtr<IXMLDOMNode> getNamedItem(const CString& name);
+
+    xercesc::DOMNamedNodeMap* m_pMap = nullptr; // not owned
+};
+
+// A node of a document (element, attribute, text, ...), or a wrapper without
+// a node (m_pNode null), which is what a missing attribute gives.
+class IXMLDOMNode : public CSmartPtrAble {
+  public:
+    // Reading node->attributes yields getattributes() of the owning node:
+    //   node->attributes->getNamedItem("Name")
+    //   CSmartPtr<IXMLDOMNamedNodeMap> map = node->attributes;
+    class CAttributesProperty {
+      public:
+        explicit CAttributesProperty(IXMLDOMNode* owner) : m_pOwner(owner) {}
+        CAttributesProperty(const CAttributesProperty&) = delete;
+        CAttributesProperty& operator=(const CAttributesProperty&) = delete;
+        operator CSmartPtr<IXMLDOMNamedNodeMap>() const;
+        CSmartPtr<IXMLDOMNamedNodeMap> operator->() const;
+
+      private:
+        IXMLDOMNode* m_pOwner;
+    };
+
+    // Reading node->text yields gettext() of the owning node:
+    //   CString value = node->text;
+    class CTextProperty {
+      public:
+        explicit CTextProperty(IXMLDOMNode* owner) : m_pOwner(owner) {}
+        CTextProperty(const CTextProperty&) = delete;
+        CTextProperty& operator=(const CTextProperty&) = delete;
+        operator CString() const;
+
+      private:
+        IXMLDOMNode* m_pOwner;
+    };
+
+    IXMLDOMNode() = default;
+    explicit IXMLDOMNode(xercesc::DOMNode* node) : m_pNode(node) {}
+
+    // The children of this node that match the path, one level of children
+    // per step ("Rows/R": the R children of the Rows children), in document
+    // order. Never a null holder; the list may be empty.
+    CSmartPtr<IXMLDOMNodeList> selectNodes(const CString& path);
+
+    // The worker of selectNodes: appends to list the children of node that
+    // match step level of the parsed path, or descends into them for the next
+    // step. The same attribute predicate (the last of the path) applies at
+    // every step. Does nothing for a null node, list or path and for a level
+    // outside 0 .. GetTagDepth() - 1.
+    void addNodes(IXMLDOMNodeList* list, CXPath* path, int level, xercesc::DOMNode* node);
+
+    // The match test: the node's name equals tag (or tag is "*"), and the
+    // first attribute, in the map's order, that matches attrName by name or
+    // attrValue by value decides the predicate alone: both must match on it.
+    // An empty or "*" attrName or attrValue matches anything. A predicate with
+    // a name but no value therefore never matches. False for a null node.
+    static bool checkNode(xercesc::DOMNode* node, const CString& tag, const CString& attrName,
+                          const CString& attrValue);
+
+    // Always a new map wrapper: the node's attribute map (null for a node
+    // without attributes), or null when this wrapper has no node.
+    CSmartPtr<IXMLDOMNamedNodeMap> getattributes();
+
+    // The converted node value (for an attribute: its value); the empty text
+    // when the wrapper has no node or the node has no value (an element).
+    CString gettext();
+
+    // Converts a parser string into a CString of the local character set;
+    // null gives the empty text.
+    static CString wide2cstr(const XMLCh* text);
+
+    xercesc::DOMNode* m_pNode = nullptr; // not owned
+    CAttributesProperty attributes{this};
+    CTextProperty text{this};
+};
+
+// A growable array of parser nodes, not owned.
+class IXMLDOMRawNodeList {
+  public:
+    IXMLDOMRawNodeList() = default;
+    IXMLDOMRawNodeList(const IXMLDOMRawNodeList&) = default;
+    IXMLDOMRawNodeList& operator=(const IXMLDOMRawNodeList&) = default;
+    virtual ~IXMLDOMRawNodeList() = default;
+
+    void addNode(xercesc::DOMNode* node) { m_nodes.push_back(node); }
+    long getlength() const { return static_cast<long>(m_nodes.size()); }
+
+    // A new node wrapper for entry index; an index outside the list gives a
+    // wrapper without a node.
+    CSmartPtr<IXMLDOMNode> operator[](long index) const;
+
+    std::vector<xercesc::DOMNode*> m_nodes;
+};
+
+class IXMLDOMNodeList : public CSmartPtrAble {
+  public:
+    // list->item[i] yields the node wrapper of entry i (getitem()[i]).
+    class CItemProperty {
+      public:
+        explicit CItemProperty(IXMLDOMNodeList* owner) : m_pOwner(owner) {}
+        CItemProperty(const CItemProperty&) = delete;
+        CItemProperty& operator=(const CItemProperty&) = delete;
+        operator IXMLDOMRawNodeList&() const;
+        CSmartPtr<IXMLDOMNode> operator[](long index) const;
+
+      private:
+        IXMLDOMNodeList* m_pOwner;
+    };
+
+    // list->length yields getlength().
+    class CLengthProperty {
+      public:
+        explicit CLengthProperty(IXMLDOMNodeList* owner) : m_pOwner(owner) {}
+        CLengthProperty(const CLengthProperty&) = delete;
+        CLengthProperty& operator=(const CLengthProperty&) = delete;
+        operator long() const;
+
+      private:
+        IXMLDOMNodeList* m_pOwner;
+    };
+
+    IXMLDOMNodeList() = default;
+
+    // A new node wrapper for entry index; an index outside the list gives a
+    // wrapper without a node.
+    CSmartPtr<IXMLDOMNode> Getitem(long index);
+    IXMLDOMRawNodeList& getitem() { return m_rawList; }
+    long getlength() const { return m_rawList.getlength(); }
+
+    IXMLDOMRawNodeList m_rawList;
+    CItemProperty item{this};
+    CLengthProperty length{this};
+};
+
+class IXMLDOMDocument : public CSmartPtrAble {
+  public:
+    // Requires an initialised parser platform.
+    IXMLDOMDocument();
+    // Releases the current document and every earlier one.
+    ~IXMLDOMDocument() override;
+
+    // Parses the file with the validation scheme "always" and namespace
+    // processing, and takes the document over. Returns true when the file
+    // was read and is well-formed XML; false when it cannot be read, is not
+    // well formed (a fatal parser error) or gives no document. Validity errors
+    // (for a document without any grammar: every element and attribute) are
+    // neither reported nor a failure. Never throws.
+    //
+    // A later load replaces the current document; the earlier document stays
+    // alive, so wrappers that point into it remain usable, and is released
+    // with this object. After a failed load there is no current document.
+    bool load(const CString& fileName);
+
+    // The first element, in document order and at any depth, whose name is
+    // the last Tag of the path and which passes checkNode with the path's last
+    // Attribute and Value. The structure of the path plays no part. A null
+    // holder when nothing matches or no document is loaded.
+    CSmartPtr<IXMLDOMNode> selectSingleNode(const CString& path);
+
+    // Settings kept for the setup loader, which sets them to false, true,
+    // true; nothing here reads them.
+    bool m_bLoadOption1 = false;
+    bool m_bLoadOption2 = false;
+    bool m_bLoadOption3 = false;
+
+  private:
+    // Counts the fatal errors of a parse (a file that cannot be read or is
+    // not well formed) and keeps every message to itself.
+    class CFatalErrorCounter : public xercesc::ErrorHandler {
+      public:
+        void warning(const xercesc::SAXParseException&) override {}
+        void error(const xercesc::SAXParseException&) override {}
+        void fatalError(const xercesc::SAXParseException&) override { ++m_nFatalErrors; }
+        void resetErrors() override { m_nFatalErrors = 0; }
+        int m_nFatalErrors = 0;
+    };
+
+    CFatalErrorCounter m_errorCounter;
+    // Bounds entity expansion, so that a small file cannot expand into an
+    // unbounded document.
+    xercesc::SecurityManager m_securityManager;
+    std::vector<xercesc::DOMDocument*> m_earlierDocs; // owned, from earlier loads
+
+  public:
+    xercesc::XercesDOMParser m_parser;
+    xercesc::DOMDocument* m_pDoc = nullptr; // owned; null until a successful load
+};
+
+} // namespace MSXML2
