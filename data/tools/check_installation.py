@@ -74,7 +74,7 @@ REFERENCE = {
     "UnitHorsepower": (745.69987158227022, 0.0), "UnitMetricHorsepower": (735.49875, 0.0),
     "UnitDegree": (math.pi / 180.0, 0.0), "UnitPercent": (0.01, 0.0), "UnitPerMille": (0.001, 0.0),
     "UnitMillimeterPerHour": (1e-3 / 3600.0, 0.0), "UnitMillimeterPerDay": (1e-3 / 86400.0, 0.0),
-    "UnitInchPerHour": (0.0254 / 3600.0, 0.0), "UnitDarcy": (9.869233e-13, 0.0),
+    "UnitInchPerHour": (0.0254 / 3600.0, 0.0), "UnitDarcy": (1e-12 / 1.01325, 0.0),
     "UnitLangley": (41840.0, 0.0), "UnitPoise": (0.1, 0.0), "UnitElectronvolt": (1.602176634e-19, 0.0),
 }
 

@@ -84,7 +84,8 @@ UNIT_GROUPS = [
         U(1307, "UnitSquareYard", "square yard", "yd²", "sq yd;yd2;yd^2", "UnitYard^2", "Quadratyard"),
         U(1308, "UnitSquareMile", "square mile", "mi²", "sq mi;mi2;mi^2", "UnitMile^2", "Quadratmeile"),
         U(1309, "UnitAcre", "acre", "ac", "international acre;ac", "UnitSquareFoot*43560", "Acre"),
-        U(1310, "UnitDarcy", "darcy", "D", "darcies;darcys", "UnitSquareMeter*9.869233e-13", "Darcy"),
+        # 1 D = 1 cP × 1 cm/s / (1 atm/cm) = 1e-12/1.01325 m² exactly (9.869233e-13 m² is a rounding).
+        U(1310, "UnitDarcy", "darcy", "D", "darcies;darcys", "UnitSquareMeter*1e-12/1.01325", "Darcy"),
         U(1311, "UnitMillidarcy", "millidarcy", "mD", "millidarcies;millidarcys;mD", "UnitDarcy/1000", "Millidarcy"),
     ]),
     ("Volume", [
