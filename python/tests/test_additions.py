@@ -1,0 +1,96 @@
+"""What adds to the tables or writes files: new units, new item types and the
+generated include files (each in a fresh interpreter)."""
+
+import os
+
+
+def run_ok(run_python, code, **env):
+    result = run_python(code, **env)
+    assert result.returncode == 0, result.stdout + result.stderr
+    return result.stdout.splitlines()
+
+
+def test_new_unit_and_item_type(run_python):
+    lines = run_ok(
+        run_python,
+        """
+        import xun
+        xun.load()
+        furlong = xun.new_unit("UnitFurlong", "furlong", "fur", "UnitFoot*660")
+        print(furlong.tag, furlong.factor, furlong.abbreviation, xun.units()[-1] == furlong)
+        print(xun.convert(1, "furlongs", "UnitFoot"))
+        for args in (("UnitFurlong", "x", "x", "UnitFoot"), ("UnitOther", "x", "x", "UnitNothing*2")):
+            try:
+                xun.new_unit(*args)
+            except xun.XunError as error:
+                print(error)
+        race = xun.new_item_type("ItemRaceDistance", "Race distance", "furlong")
+        print(race.key, race.ident, race.description, race.units == [furlong])
+        try:
+            xun.new_item_type("ItemRaceDistance", "again", "UnitMeter")
+        except xun.XunError as error:
+            print(error)
+        try:
+            xun.new_unit("UnitBad", None, "x", "UnitFoot")
+        except TypeError as error:
+            print(error)
+        """,
+    )
+    assert lines == [
+        f"100000 {660 * 0.3048} fur True",
+        "660.0",
+        "a unit with the ident 'UnitFurlong' already exists",
+        "cannot create the unit 'UnitOther': the expression 'UnitNothing*2' does not evaluate "
+        "to a unit",
+        "110000 ItemRaceDistance Race distance True",
+        "an item type with the ident 'ItemRaceDistance' already exists",
+        "description must be a text, got NoneType",
+    ]
+
+
+def test_write_includes(run_python, tmp_path):
+    out = tmp_path / "out"
+    out.mkdir()
+    lines = run_ok(
+        run_python,
+        f"""
+        import os, xun
+        xun.load()
+        for path in xun.write_includes({str(out)!r}):
+            print(os.path.basename(path), os.path.getsize(path) > 0)
+        print(os.getcwd() == {str(tmp_path)!r})
+        """,
+    )
+    assert lines == [
+        "xunDefine.c__ True",
+        "xunDefine.f__ True",
+        "xunDefine.p__ True",
+        "xunDefine.cs True",
+        "xunAllowedUnits.HTML True",
+        "True",
+    ]
+    c_header = (out / "xunDefine.c__").read_text(encoding="utf-8")
+    assert "#define UnitMeter                  1200 /* meter */\n" in c_header
+    fortran = (out / "xunDefine.f__").read_text(encoding="utf-8")
+    assert "integer, parameter :: ItemAnyUnit          =        999  ! Any unit\n" in fortran
+
+
+def test_write_includes_refuses_what_would_end_the_process(run_python, tmp_path):
+    blocked = tmp_path / "blocked"
+    blocked.mkdir()
+    (blocked / "xunDefine.p__").mkdir()
+    lines = run_ok(
+        run_python,
+        f"""
+        import xun
+        for directory in ({str(tmp_path / 'none')!r}, {str(blocked)!r}):
+            try:
+                xun.write_includes(directory)
+            except xun.XunError as error:
+                print(error)
+        """,
+    )
+    assert lines == [
+        f"'{tmp_path / 'none'}' is not a directory",
+        f"cannot write '{os.path.join(str(blocked), 'xunDefine.p__')}': it is a directory",
+    ]

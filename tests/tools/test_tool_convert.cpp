@@ -1,0 +1,215 @@
+// End-to-end tests of xun convert: the built program runs as a subprocess in
+// tests/data/tools; standard output, standard error and exit status are
+// compared exactly.
+#include <gtest/gtest.h>
+
+#include <cstdio>
+#include <string>
+#include <vector>
+
+#include "tools/tool_runner.h"
+
+using xuntest::Xun;
+
+namespace {
+
+TEST(ToolConvert, ByIdent) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "UnitFoot", "UnitMeter"}), 0,
+                "0.30480000000000002\n", "");
+}
+
+TEST(ToolConvert, ByPluralDescriptionAndAlias) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "2", "feet", "meters"}), 0,
+                "0.60960000000000003\n", "");
+}
+
+TEST(ToolConvert, ByAbbreviation) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1.5", "km", "m"}), 0, "1500\n", "");
+}
+
+TEST(ToolConvert, ByExpression) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "UnitMeter/UnitSecond", "km/h"}), 0,
+                "3.5999999999999996\n", "");
+}
+
+TEST(ToolConvert, TemperatureWithOffsets) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "100", "degC", "degF"}), 0,
+                "211.99999999999997\n", "");
+}
+
+TEST(ToolConvert, NegativeValueIsNotAnOption) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "-40",
+                     "\xC2"
+                     "\xB0"
+                     "C",
+                     "K"}),
+                0, "233.14999999999998\n", "");
+}
+
+TEST(ToolConvert, IncompatibleUnitsNameBothDimensions) {
+    EXPECT_TOOL(
+        Xun({"--home", "home", "convert", "1", "m", "s"}), 1, "",
+        "xun: cannot convert 'm' (dimension L) to 's' (dimension T): the dimensions differ\n");
+}
+
+TEST(ToolConvert, IncompatibleCompositeDimensions) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "m/s",
+                     "m\xC2"
+                     "\xB3"
+                     ""}),
+                1, "",
+                "xun: cannot convert 'm/s' (dimension L T-1) to 'm\xC2"
+                "\xB3"
+                "' (dimension L3): the dimensions differ\n");
+}
+
+TEST(ToolConvert, UnknownUnit) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "furlong", "m"}), 1, "",
+                "xun: unknown unit 'furlong'\n");
+}
+
+TEST(ToolConvert, MalformedNumber) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1.5x", "m", "ft"}), 1, "",
+                "xun: not a number: '1.5x'\n");
+}
+
+TEST(ToolConvert, NumberOutOfRange) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1e999", "m", "ft"}), 1, "",
+                "xun: number out of range: '1e999'\n");
+}
+
+TEST(ToolConvert, FloatRoundTrips) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--float", "1", "m", "ft"}), 0, "3.28083992\n",
+                "");
+}
+
+TEST(ToolConvert, FloatOutOfRange) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--float", "1e39", "m", "ft"}), 1, "",
+                "xun: number out of range for single precision: '1e39'\n");
+}
+
+TEST(ToolConvert, StdinNumbers) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "m", "cm"}, "1\t2\n"
+                                                              "\n"
+                                                              "  3.25\x0D"
+                                                              "\n"
+                                                              "-1e3 nan inf\n"),
+                0,
+                "100\n"
+                "200\n"
+                "325\n"
+                "-100000\n"
+                "nan\n"
+                "inf\n",
+                "");
+}
+
+TEST(ToolConvert, StdinStopsAtMalformedNumber) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "m", "cm"}, "1 2\n"
+                                                              "x 3\n"),
+                1,
+                "100\n"
+                "200\n",
+                "xun: standard input, line 2: not a number: 'x'\n");
+}
+
+TEST(ToolConvert, StdinFloat) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--float", "ft", "m"}, "1 2.5\n"), 0,
+                "0.304800004\n"
+                "0.762000024\n",
+                "");
+}
+
+TEST(ToolConvert, DeleteValuePassesUnconverted) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "-999", "m", "cm"}, "1 -999 2\n"), 0,
+                "100\n"
+                "-999\n"
+                "200\n",
+                "");
+}
+
+TEST(ToolConvert, NanDeleteValueConvertsNothing) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "nan", "m", "cm"}, "1 2\n"), 0,
+                "1\n"
+                "2\n",
+                "");
+}
+
+TEST(ToolConvert, SingleValueEqualToDeleteValue) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "5", "5", "m", "cm"}), 0, "5\n", "");
+}
+
+TEST(ToolConvert, MalformedDeleteValue) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "abc", "1", "m", "ft"}), 1, "",
+                "xun: --delete: not a number: 'abc'\n");
+}
+
+TEST(ToolConvert, TooFewArguments) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "m"}), 2, "",
+                "xun: missing argument\n"
+                "Try 'xun convert --help'.\n");
+}
+
+TEST(ToolConvert, TooManyArguments) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "2", "m", "ft"}), 2, "",
+                "xun: unexpected argument 'ft'\n"
+                "Try 'xun convert --help'.\n");
+}
+
+TEST(ToolConvert, UnknownOption) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--fast", "1", "m", "ft"}), 2, "",
+                "xun: unknown option '--fast'\n"
+                "Try 'xun convert --help'.\n");
+}
+
+TEST(ToolConvert, MissingSetupFile) {
+    EXPECT_TOOL(Xun({"--home", "missing", "convert", "1", "m", "ft"}), 1, "",
+                "xun: cannot read setup file 'missing/bin/XUN.xml': No such file or directory\n");
+}
+
+TEST(ToolConvert, ZeroFactorExpressionIsUnknown) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "UnitMeter*0", "m"}), 1, "",
+                "xun: unknown unit 'UnitMeter*0'\n");
+}
+
+// More numbers than one block of the array conversion, so that blocks meet
+// in the middle of the input.
+TEST(ToolConvert, StdinInManyBlocks) {
+    const int count = 150001;
+    std::string input;
+    std::string expected;
+    for (int i = 0; i < count; ++i) {
+        const double value = i * 0.25 - 1000.0;
+        char text[64];
+        std::snprintf(text, sizeof text, "%.17g%s", value, i % 7 == 0 ? "\n" : " ");
+        input += text;
+        // foot to meter: ((x * 0.3048 + 0) - 0) / 1
+        std::snprintf(text, sizeof text, "%.17g\n", ((value * 0.3048 + 0.0) - 0.0) / 1.0);
+        expected += text;
+    }
+    const xuntest::ToolResult result = Xun({"--home", "home", "convert", "ft", "m"}, input);
+    EXPECT_EQ(result.status, 0);
+    EXPECT_EQ(result.err, "");
+    EXPECT_TRUE(result.out == expected) << "the converted numbers differ";
+}
+
+TEST(ToolConvert, StdinEmpty) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "ft", "m"}, ""), 0, "", "");
+}
+
+TEST(ToolConvert, StdinOverlongToken) {
+    const std::string token(5000, '1');
+    const xuntest::ToolResult result = Xun({"--home", "home", "convert", "ft", "m"}, "2 " + token);
+    EXPECT_EQ(result.status, 1);
+    EXPECT_EQ(result.out, "0.60960000000000003\n");
+    EXPECT_EQ(result.err,
+              "xun: standard input, line 1: not a number: '" + std::string(80, '1') + "...'\n");
+}
+
+TEST(ToolConvert, ControlBytesInMessagesAreEscaped) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "m", "cm"}, "1\x01"
+                                                              "2\n"),
+                1, "", "xun: standard input, line 1: not a number: '1\\x012'\n");
+}
+
+} // namespace

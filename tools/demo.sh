@@ -1,0 +1,25 @@
+#!/bin/sh
+# A short demonstration of the xun tool on the default installation (data/):
+# conversions, listings, one item type in full and a check of the setup file.
+# Usage: tools/demo.sh BUILD_DIR   (the build directory that holds tools/xun)
+set -eu
+build=${1:?usage: tools/demo.sh BUILD_DIR}
+root=$(cd "$(dirname "$0")/.." && pwd)
+xun="$build/tools/xun"
+home="$root/data"
+
+run() {
+    printf '\n$ xun %s\n' "$*"
+    "$xun" --home "$home" "$@"
+}
+
+run convert 100 degC degF
+run convert 30 knots "km/h"
+run convert 1 UnitCubicMeterPerSecond/UnitSquareKilometer "mm/h"
+printf '\n$ printf %s | xun convert ft m\n' "'1 2.5 1e3\\n'"
+printf '1 2.5 1e3\n' | "$xun" --home "$home" convert ft m
+run units --item ItemWaterLevel
+run show ItemWaterLevel
+run filters
+run check
+echo "xun check: no problems in $home/bin"
