@@ -140,15 +140,19 @@ bool Evaluator::ReadParenthesis(Operand& operand) {
     if (close >= m_length)
         return false;
     const size_t innerLength = close - m_pos - 1;
-    char* inner = static_cast<char*>(std::malloc(innerLength + 1));
-    if (inner == nullptr)
+    // The copy is freed however the nested evaluation ends, also when an
+    // exception leaves it (memory running out, or an assertion hook that
+    // throws).
+    std::unique_ptr<char, decltype(&std::free)> inner(
+        static_cast<char*>(std::malloc(innerLength + 1)), &std::free);
+    if (!inner)
         throw std::bad_alloc();
-    std::memcpy(inner, m_text + m_pos + 1, innerLength);
-    inner[innerLength] = '\0';
+    std::memcpy(inner.get(), m_text + m_pos + 1, innerLength);
+    inner.get()[innerLength] = '\0';
     UnitPtr unit;
     NumberPtr value;
-    bool ok = Nested(inner, innerLength, unit, value);
-    std::free(inner);
+    const bool ok = Nested(inner.get(), innerLength, unit, value);
+    inner.reset();
     if (!ok)
         return false;
     operand.Own(std::move(unit));

@@ -11,6 +11,21 @@ const char kAssertValid[] = "void CKVunit::AssertValid() const";
 void AssertFactor(double factor) {
     XUN_ASSERT(factor != 0.0, "m_dFactor", kSource, 285, kAssertValid);
 }
+
+// The invariant check at the end of a constructor that may have allocated
+// the unit's own dimension. When a check fails and the assertion hook throws
+// (xunSetAssertHook_ allows that), the constructor does not complete and the
+// destructor never runs, so the dimension is freed here before the exception
+// leaves.
+void AssertValidWhileConstructing(CKVunit& unit) {
+    try {
+        unit.AssertValid();
+    } catch (...) {
+        delete unit.m_pDimTemp;
+        unit.m_pDimTemp = nullptr;
+        throw;
+    }
+}
 } // namespace
 
 CKVunit::CKVunit(const std::string& desc, const std::string& abbr, long key, const double& factor,
@@ -35,7 +50,7 @@ CKVunit::CKVunit(const std::string& desc, const std::string& abbr, long key, con
     CopyDimFrom(source);
     for (int i = 0; i < CKVdimension::kBaseCount; ++i)
         m_dDimFactors[i] = source.m_dDimFactors[i];
-    AssertValid();
+    AssertValidWhileConstructing(*this);
 }
 
 CKVunit::CKVunit(const std::string& desc, const std::string& abbr, long key, const CKVunit& source,
@@ -53,7 +68,7 @@ CKVunit::CKVunit(const CKVunit& source)
     CopyDimFrom(source);
     for (int i = 0; i < CKVdimension::kBaseCount; ++i)
         m_dDimFactors[i] = source.m_dDimFactors[i];
-    AssertValid();
+    AssertValidWhileConstructing(*this);
 }
 
 CKVunit::CKVunit(const double& factor, const CKVdimension& dim)
@@ -63,7 +78,7 @@ CKVunit::CKVunit(const double& factor, const CKVdimension& dim)
     int type = m_pDimTemp->GetDimType();
     if (type >= 1 && type <= CKVdimension::kBaseCount)
         m_dDimFactors[type - 1] = factor;
-    AssertValid();
+    AssertValidWhileConstructing(*this);
 }
 
 CKVunit::~CKVunit() {

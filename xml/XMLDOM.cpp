@@ -6,10 +6,15 @@
 
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/dom/DOMNodeList.hpp>
+#include <xercesc/framework/LocalFileInputSource.hpp>
+#include <xercesc/framework/URLInputSource.hpp>
 #include <xercesc/sax/SAXException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
+#include <xercesc/util/XMLResourceIdentifier.hpp>
 #include <xercesc/util/XMLString.hpp>
+#include <xercesc/util/XMLURL.hpp>
+#include <xercesc/util/XMLUni.hpp>
 
 using xercesc::DOMDocument;
 using xercesc::DOMNamedNodeMap;
@@ -35,6 +40,25 @@ bool IsWildcardOrEmpty_(const CString& text) {
     return text.IsEmpty() || text == "*";
 }
 
+// Whether a parser string, converted to local text, would equal text: 1 yes,
+// 0 no, -1 unknown. Decided without the converter as far as the string is
+// ASCII, which every local character set of this platform maps to the same
+// single bytes; a non-ASCII character before the answer is known leaves it
+// to the converter (-1).
+int EqualsAsLocalText_(const XMLCh* wide, const CString& text) {
+    const char* bytes = text.GetString();
+    const int length = text.GetLength();
+    for (int i = 0;; ++i) {
+        const XMLCh c = wide[i];
+        if (c == 0)
+            return i == length ? 1 : 0;
+        if (c >= 0x80)
+            return -1;
+        if (i >= length || static_cast<unsigned char>(bytes[i]) != c)
+            return 0;
+    }
+}
+
 } // namespace
 
 // ---------------------------------------------------------------------------
@@ -49,7 +73,14 @@ CSmartPtr<IXMLDOMNode> IXMLDOMNamedNodeMap::getNamedItem(const CString& name) {
     const XMLSize_t count = m_pMap->getLength();
     for (XMLSize_t i = 0; i < count; ++i) {
         DOMNode* attribute = m_pMap->item(i);
-        if (attribute != nullptr && IXMLDOMNode::wide2cstr(attribute->getNodeName()) == name) {
+        if (attribute == nullptr)
+            continue;
+        const XMLCh* attributeName = attribute->getNodeName();
+        int equal = attributeName != nullptr ? EqualsAsLocalText_(attributeName, name)
+                                             : (name.IsEmpty() ? 1 : 0);
+        if (equal < 0)
+            equal = IXMLDOMNode::wide2cstr(attributeName) == name ? 1 : 0;
+        if (equal == 1) {
             result->m_pNode = attribute;
             break;
         }
@@ -156,6 +187,20 @@ CString IXMLDOMNode::gettext() {
 CString IXMLDOMNode::wide2cstr(const XMLCh* text) {
     if (text == nullptr)
         return CString();
+    // ASCII text (names, numbers, most values) converts to the same bytes in
+    // every local character set of this platform: copied directly, without
+    // the converter, which costs more than the rest of a load's attribute
+    // reading together.
+    char ascii[128];
+    size_t length = 0;
+    while (length < sizeof ascii && text[length] != 0 && text[length] < 0x80) {
+        ascii[length] = static_cast<char>(text[length]);
+        ++length;
+    }
+    if (length < sizeof ascii && text[length] == 0) {
+        ascii[length] = '\0';
+        return CString(ascii);
+    }
     ParserChars_ converted(XMLString::transcode(text, XMLPlatformUtils::fgMemoryManager));
     return CString(converted.get());
 }
@@ -191,6 +236,37 @@ CSmartPtr<IXMLDOMNode> IXMLDOMNodeList::Getitem(long index) {
 IXMLDOMDocument::IXMLDOMDocument() : m_parser(nullptr, XMLPlatformUtils::fgMemoryManager, nullptr) {
     m_parser.setErrorHandler(&m_errorCounter);
     m_parser.setSecurityManager(&m_securityManager);
+    // Every external DTD and entity goes through the resolver, which never
+    // lets the parser library open a network connection: what the resolver
+    // does not resolve is not read at all.
+    m_parser.setXMLEntityResolver(&m_entityResolver);
+    m_parser.setDisableDefaultEntityResolution(true);
+}
+
+xercesc::InputSource*
+IXMLDOMDocument::CLocalEntityResolver::resolveEntity(xercesc::XMLResourceIdentifier* resource) {
+    const XMLCh* systemId = resource != nullptr ? resource->getSystemId() : nullptr;
+    if (systemId == nullptr || *systemId == 0)
+        return nullptr;
+    // The parser library reads a text without a known scheme ("xun.dtd",
+    // "/opt/x/xun.dtd") as a URL of the protocol Unknown: a path.
+    xercesc::XMLURL url;
+    if (xercesc::XMLURL::parse(systemId, url) && url.getProtocol() != xercesc::XMLURL::Unknown) {
+        // A URL: only a file: URL without a host (or with localhost) names a
+        // local file; its stream is then opened without the network.
+        const XMLCh* host = url.getHost();
+        const bool local =
+            url.getProtocol() == xercesc::XMLURL::File &&
+            (host == nullptr || *host == 0 ||
+             XMLString::compareIString(host, xercesc::XMLUni::fgLocalHostString) == 0);
+        if (!local)
+            return nullptr;
+        return new xercesc::URLInputSource(url, XMLPlatformUtils::fgMemoryManager);
+    }
+    // A path, relative to the location of the document that names it. A
+    // local file input never uses the network, whatever the text holds.
+    return new xercesc::LocalFileInputSource(resource->getBaseURI(), systemId,
+                                             XMLPlatformUtils::fgMemoryManager);
 }
 
 IXMLDOMDocument::~IXMLDOMDocument() {

@@ -28,6 +28,7 @@
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/util/SecurityManager.hpp>
+#include <xercesc/util/XMLEntityResolver.hpp>
 
 #include "xml/CString.h"
 #include "xml/XPath.h"
@@ -193,7 +194,9 @@ class IXMLDOMDocument : public CSmartPtrAble {
     // Parses the file with the validation scheme "always" and namespace
     // processing, and takes the document over. Returns true when the file
     // was read and is well-formed XML; false when it cannot be read, is not
-    // well formed (a fatal parser error) or gives no document. Validity errors
+    // well formed (a fatal parser error) or gives no document. External DTDs
+    // and entities are read from local files only: a document that names one
+    // by a network URL fails to load. Validity errors
     // (for a document without any grammar: every element and attribute) are
     // neither reported nor a failure. Never throws.
     //
@@ -226,7 +229,20 @@ class IXMLDOMDocument : public CSmartPtrAble {
         int m_nFatalErrors = 0;
     };
 
+    // Reads external DTDs and external entities from local files only. The
+    // parser library would otherwise fetch a system identifier such as
+    // "http://host/xun.dtd" over the network whenever a document names one:
+    // such an identifier (any URL other than a file: URL of this machine) is
+    // not resolved, which the parser reports as a fatal error, so the load
+    // fails. Plain paths resolve against the document's own location, as
+    // before.
+    class CLocalEntityResolver : public xercesc::XMLEntityResolver {
+      public:
+        xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* resource) override;
+    };
+
     CFatalErrorCounter m_errorCounter;
+    CLocalEntityResolver m_entityResolver;
     // Bounds entity expansion, so that a small file cannot expand into an
     // unbounded document.
     xercesc::SecurityManager m_securityManager;
