@@ -6,7 +6,12 @@
 // multiply by the source factor, add the source offset, subtract the target
 // offset, divide by the target factor - with nothing precomputed, so that each
 // result equals this stepwise evaluation bit for bit. The library is built
-// with -ffp-contract=off, so no multiply and add are ever fused.
+// with -ffp-contract=off, so no multiply and add are ever fused. The array
+// loops (registry/ConversionKernels.cpp) reach the same bits faster.
+//
+// Nothing here writes anything but the caller's outputs: after loading, any
+// number of threads may convert at once.
+#include "registry/ConversionKernels.h"
 #include "registry/ItemTypeRegistry.h"
 #include "registry/UnitRegistry.h"
 #include "xun.h"
@@ -15,12 +20,7 @@ namespace {
 
 // The factors and offsets of a unit-to-unit conversion, copied out of the
 // units so that the array loops see plain locals that no store can change.
-struct Conversion {
-    double fromFactor;
-    double fromOffset;
-    double toOffset;
-    double toFactor;
-
+struct Conversion : XunConversion_ {
     double Apply(double x) const { return ((x * fromFactor + fromOffset) - toOffset) / toFactor; }
 };
 
@@ -28,56 +28,16 @@ struct Conversion {
 bool FindConversion(int fromTag, int toTag, Conversion& conversion) {
     const CKVunit* from = xunFindUnitByKey_(fromTag);
     const CKVunit* to = xunFindUnitByKey_(toTag);
+    // GetDim() makes the invariant checks that CKVunit::IsEqv makes, in the
+    // same order; comparing the two dimensions is the rest of IsEqv.
     if (from == nullptr || to == nullptr || from->m_lKey == 0 || to->m_lKey == 0 ||
-        !from->IsEqv(*to))
+        !from->GetDim().IsEqv(to->GetDim()))
         return false;
     conversion.fromFactor = from->m_dFactor;
     conversion.fromOffset = from->m_dOffset;
     conversion.toOffset = to->m_dOffset;
     conversion.toFactor = to->m_dFactor;
     return true;
-}
-
-// The array loops. An element is converted only when it is below or above
-// the delete value; the delete value itself and NaN (element or delete value)
-// stay as they are. The select is written without a branch, and the arrays
-// are processed in blocks of a fixed length followed by one short tail: a
-// loop whose trip count is a multiple of the vector length is what GCC
-// vectorises at -O2. Vector and scalar instructions round alike, so the
-// results do not depend on which of them ran. This file is compiled with
-// -fno-trapping-math (registry/CMakeLists.txt says why that is safe).
-const int kBlock = 8;
-
-inline void ConvertBlockD(const Conversion& c, double* values, int count, double deleteValue) {
-    for (int i = 0; i < count; ++i) {
-        const double x = values[i];
-        values[i] = (x < deleteValue || x > deleteValue) ? c.Apply(x) : x;
-    }
-}
-
-// The comparison is made in single precision, the conversion in double
-// precision; the result is rounded to float when stored.
-inline void ConvertBlockF(const Conversion& c, float* values, int count, float deleteValue) {
-    for (int i = 0; i < count; ++i) {
-        const float x = values[i];
-        values[i] = (x < deleteValue || x > deleteValue) ? static_cast<float>(c.Apply(x)) : x;
-    }
-}
-
-void ConvertArrayD(const Conversion& c, double* values, int count, double deleteValue) {
-    int done = 0;
-    for (; count - done >= kBlock; done += kBlock)
-        ConvertBlockD(c, values + done, kBlock, deleteValue);
-    if (count > done)
-        ConvertBlockD(c, values + done, count - done, deleteValue);
-}
-
-void ConvertArrayF(const Conversion& c, float* values, int count, float deleteValue) {
-    int done = 0;
-    for (; count - done >= kBlock; done += kBlock)
-        ConvertBlockF(c, values + done, kBlock, deleteValue);
-    if (count > done)
-        ConvertBlockF(c, values + done, count - done, deleteValue);
 }
 
 // The user unit of an item type (its chosen unit or its default unit, -1
@@ -108,7 +68,7 @@ int xunConvertItemArrayD(int fromTag, int toTag, double* values, int count, doub
     Conversion conversion;
     if (!FindConversion(fromTag, toTag, conversion))
         return 0;
-    ConvertArrayD(conversion, values, count, deleteValue);
+    xunConvertArrayD_(conversion, values, count, deleteValue);
     return 1;
 }
 
@@ -116,7 +76,7 @@ int xunConvertItemArrayF(int fromTag, int toTag, float* values, int count, float
     Conversion conversion;
     if (!FindConversion(fromTag, toTag, conversion))
         return 0;
-    ConvertArrayF(conversion, values, count, deleteValue);
+    xunConvertArrayF_(conversion, values, count, deleteValue);
     return 1;
 }
 

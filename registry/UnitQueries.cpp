@@ -2,6 +2,7 @@
 // iteration and run-time creation of units.
 #include <cstdlib>
 #include <cstring>
+#include <iterator>
 #include <memory>
 #include <string>
 
@@ -42,6 +43,15 @@ int HandOut(const CKVunit* unit, int* tag, const char** key) {
     *key = unit->m_strDesc.c_str();
     return 1;
 }
+
+int HandOut(const CKVunitOrderEntry& entry, int* tag, const char** key) {
+    *tag = static_cast<int>(entry.key);
+    *key = entry.unit->m_strDesc.c_str();
+    return 1;
+}
+
+// How many entries ahead the walks load units.
+const size_t kLoadAhead = 8;
 
 } // namespace
 
@@ -158,35 +168,54 @@ int xunGetNextEqvUnit(int tag, int prevTag, int* nextTag, const char** nextKey) 
     const CKVunit* reference = xunFindUnitByKey_(tag);
     if (reference == nullptr)
         return 0;
-    CKVunitList::iterator it = UnitList_.begin();
+    const std::vector<CKVunitOrderEntry>& order = xunUnitOrder_();
+    size_t i = 0;
     if (prevTag != 0) {
-        it = xunFindUnit_(xunFindUnitByKey_(prevTag));
-        if (it == UnitList_.end())
+        const size_t found = xunFindUnitIndexByTag_(prevTag);
+        if (found == kNoUnitIndex)
             return 0;
-        ++it;
+        i = found + 1;
     }
-    for (; it != UnitList_.end(); ++it) {
-        const CKVunit* unit = *it;
-        if (unit != nullptr && unit->IsEqv(*reference) && unit->m_lKey != 0)
-            return HandOut(unit, nextTag, nextKey);
+    for (; i < order.size(); ++i) {
+        // Load ahead: the units a few entries on, and the dimensions of the
+        // units (already loaded) a little closer.
+        if (i + 2 * kLoadAhead < order.size() && order[i + 2 * kLoadAhead].unit != nullptr)
+            __builtin_prefetch(&order[i + 2 * kLoadAhead].unit->m_pDimParent);
+        if (i + kLoadAhead < order.size() && order[i + kLoadAhead].unit != nullptr) {
+            // (The members, not GetDim(): a load ahead asserts nothing.)
+            const CKVunit* ahead = order[i + kLoadAhead].unit;
+            __builtin_prefetch(ahead->m_pDimParent != nullptr ? ahead->m_pDimParent
+                                                              : ahead->m_pDimTemp);
+        }
+        const CKVunitOrderEntry& entry = order[i];
+        if (entry.unit != nullptr && entry.unit->IsEqv(*reference) && entry.key != 0) {
+            xunNoteHandedOut_(i);
+            return HandOut(entry, nextTag, nextKey);
+        }
     }
     return 0;
 }
 
 int xunGetNextUnit(int prevTag, int* nextTag, const char** nextKey) {
-    CKVunitList::iterator it = UnitList_.begin();
+    const std::vector<CKVunitOrderEntry>& order = xunUnitOrder_();
+    size_t next = 0;
     if (prevTag != 0) {
-        it = xunFindUnit_(xunFindUnitByKey_(prevTag));
-        if (it == UnitList_.end())
+        const size_t found = xunFindUnitIndexByTag_(prevTag);
+        if (found == kNoUnitIndex)
             return 0;
-        ++it;
+        next = found + 1;
     }
-    if (it == UnitList_.end())
+    if (next >= order.size())
         return 0;
-    const CKVunit* unit = *it;
-    if (unit == nullptr || unit->m_lKey == 0)
+    const CKVunitOrderEntry& entry = order[next];
+    if (entry.unit == nullptr || entry.key == 0)
         return 0;
-    return HandOut(unit, nextTag, nextKey);
+    xunNoteHandedOut_(next);
+    // A walk asks for the following entries next: load the description of
+    // one a few entries on while the caller goes on.
+    if (next + kLoadAhead < order.size() && order[next + kLoadAhead].unit != nullptr)
+        __builtin_prefetch(&order[next + kLoadAhead].unit->m_strDesc);
+    return HandOut(entry, nextTag, nextKey);
 }
 
 int xunUnitGetParameters(int tag, double* factor, double* offset, double* powers, double* factors) {

@@ -1,0 +1,55 @@
+// Shared helpers of the benchmark programs: the default installation loaded
+// into this process, reproducible random numbers, and (when the comparison
+// library is available) its unit system.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#ifdef XUN_BENCH_UDUNITS
+#include <udunits2.h>
+#endif
+
+namespace xunbench {
+
+// The installation directory the benchmarks load (the repository's data/).
+const char* DataDir();
+
+// Loads the default installation into this process once (KORVANE_HOME =
+// DataDir(), xunLoadItemTypeTables("")); later calls do nothing.
+void LoadDefaultInstallation();
+
+// The tag of a unit of the loaded installation, by ident; aborts when unknown.
+int TagOf(const char* ident);
+
+// A small, fast generator with a fixed start, so that every run converts the
+// same numbers.
+class Random {
+  public:
+    explicit Random(uint64_t state = 0x9E3779B97F4A7C15ull) : m_state(state) {}
+    uint64_t Next() {
+        m_state ^= m_state << 13;
+        m_state ^= m_state >> 7;
+        m_state ^= m_state << 17;
+        return m_state;
+    }
+    // Uniform in [0, 1).
+    double Uniform() { return static_cast<double>(Next() >> 11) * 0x1.0p-53; }
+    // Uniform in [0, n).
+    uint64_t Below(uint64_t n) { return Next() % n; }
+
+  private:
+    uint64_t m_state;
+};
+
+#ifdef XUN_BENCH_UDUNITS
+// The UDUNITS-2 unit system, read once from its default database.
+ut_system* UdunitsSystem();
+
+// Names of the UDUNITS-2 units (the singular names and symbols of its
+// database files) that its parser accepts.
+const std::vector<std::string>& UdunitsUnitNames();
+#endif
+
+} // namespace xunbench

@@ -1,0 +1,26 @@
+// xun-bench: every benchmark of libxun in one program, so that each figure
+// can be set against its reference from the same run (bench/report.py turns
+// the JSON output into the table of README.md).
+#include <benchmark/benchmark.h>
+
+namespace xunbench {
+void RegisterArrayBenchmarks();
+void RegisterSingleBenchmarks();
+void RegisterWalkBenchmarks();
+void RegisterLoadBenchmarks();
+} // namespace xunbench
+
+int main(int argc, char** argv) {
+    // The order matters: the walks grow the registry for good, after the
+    // single conversions have drawn their pairs among the installation's units.
+    xunbench::RegisterArrayBenchmarks();
+    xunbench::RegisterSingleBenchmarks();
+    xunbench::RegisterWalkBenchmarks();
+    xunbench::RegisterLoadBenchmarks();
+    benchmark::Initialize(&argc, argv);
+    if (benchmark::ReportUnrecognizedArguments(argc, argv))
+        return 1;
+    benchmark::RunSpecifiedBenchmarks();
+    benchmark::Shutdown();
+    return 0;
+}
