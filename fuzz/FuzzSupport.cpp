@@ -30,9 +30,10 @@ std::string TempDir_;
 // A check that fails in a destructor cannot throw: destructors are noexcept,
 // and the exception would end the process through std::terminate. The same
 // holds while another exception unwinds the stack. The hook then returns and
-// the standard abort reports the assertion as a crash. In the paths fuzzed
-// here that is right: the only such check (the reference count in
-// CSmartPtrAble's destructor) fails only when the XML layer itself miscounts.
+// the standard abort reports the assertion as a crash. The reference-count
+// checks of CSmartPtrAble (inline in the public header SmartPtr) abort
+// directly, without the hook. In the paths fuzzed here both are right: those
+// checks fail only when the XML layer itself miscounts.
 void ThrowingAssertHook(const char* expr, const char* source, unsigned line, const char* function) {
     if (std::uncaught_exceptions() > 0 || std::strchr(function, '~') != nullptr)
         return;

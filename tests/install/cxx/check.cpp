@@ -23,6 +23,14 @@ void Check(bool condition, const char* what) {
     }
 }
 
+// A counted object of the program's own, shared through the public holder:
+// the header alone suffices, nothing of it comes from the library.
+struct Counted : MSXML2::CSmartPtrAble {
+    explicit Counted(int* destroyed) : m_pDestroyed(destroyed) {}
+    ~Counted() override { ++*m_pDestroyed; }
+    int* m_pDestroyed;
+};
+
 int Tag(const char* ident) {
     int tag = -1;
     if (!xunGetUnitTagFromIdent(ident, &tag)) {
@@ -67,6 +75,15 @@ int main() {
     Check(xunUnitGetAll(&all) == 1 && std::string(all).find("UnitMeter;") != std::string::npos,
           "xunUnitGetAll");
     std::free(all);
+
+    int destroyed = 0;
+    {
+        MSXML2::CSmartPtr<Counted> first(new Counted(&destroyed));
+        MSXML2::CSmartPtr<Counted> second = first;
+        second = first;
+        Check(first->_smart_ptr_refcount == 2 && destroyed == 0, "two holders of one object");
+    }
+    Check(destroyed == 1, "the last holder deletes the object");
 
     if (failures == 0)
         std::printf("c++: %d checks passed\n", checks);
