@@ -48,16 +48,24 @@ struct Attribute {
     const char* c_str() const { return text.GetString(); }
 };
 
-Attribute ReadAttribute(const NodePtr& row, const char* name) {
-    Attribute attribute;
-    CSmartPtr<IXMLDOMNamedNodeMap> attributes = row->getattributes();
-    NodePtr node = attributes->getNamedItem(CString(name));
-    if (node && node->m_pNode != nullptr) {
-        attribute.text = node->gettext();
-        attribute.present = true;
+// The attributes of one row, taken from the row once and read by name.
+class RowAttributes {
+  public:
+    explicit RowAttributes(const NodePtr& row) : m_attributes(row->getattributes()) {}
+
+    Attribute Read(const char* name) const {
+        Attribute attribute;
+        NodePtr node = m_attributes->getNamedItem(CString(name));
+        if (node && node->m_pNode != nullptr) {
+            attribute.text = node->gettext();
+            attribute.present = true;
+        }
+        return attribute;
     }
-    return attribute;
-}
+
+  private:
+    CSmartPtr<IXMLDOMNamedNodeMap> m_attributes;
+};
 
 // Calls visit(token) for each ";"-separated token of a list, until the first
 // empty token.
@@ -136,15 +144,15 @@ void LoadUnits(const NodePtr& group) {
     NodeListPtr rows = group->selectNodes(CString(kRows));
     long key = 0;
     for (long i = 0; i < rows->getlength(); ++i) {
-        NodePtr row = rows->Getitem(i);
-        const Attribute ident = ReadAttribute(row, "Ident");
-        const Attribute keyText = ReadAttribute(row, "KvId");
+        const RowAttributes row(rows->Getitem(i));
+        const Attribute ident = row.Read("Ident");
+        const Attribute keyText = row.Read("KvId");
         if (keyText.present)
             key = std::strtol(keyText.c_str(), nullptr, 10);
-        const Attribute desc = ReadAttribute(row, "Desc");
-        const Attribute abbr = ReadAttribute(row, "Abbr");
-        const Attribute alias = ReadAttribute(row, "Alias");
-        const Attribute expr = ReadAttribute(row, "Expr");
+        const Attribute desc = row.Read("Desc");
+        const Attribute abbr = row.Read("Abbr");
+        const Attribute alias = row.Read("Alias");
+        const Attribute expr = row.Read("Expr");
 
         CKVunit* rawUnit = nullptr;
         double* rawValue = nullptr;
@@ -186,19 +194,19 @@ void LoadItemTypes(const NodePtr& group) {
     int decimals = -1;
     double defaultValue = 0.0;
     for (long i = 0; i < rows->getlength(); ++i) {
-        NodePtr row = rows->Getitem(i);
-        const Attribute ident = ReadAttribute(row, "Ident");
-        const Attribute keyText = ReadAttribute(row, "KvId");
+        const RowAttributes row(rows->Getitem(i));
+        const Attribute ident = row.Read("Ident");
+        const Attribute keyText = row.Read("KvId");
         if (keyText.present)
             key = std::strtol(keyText.c_str(), nullptr, 10);
-        const Attribute desc = ReadAttribute(row, "Desc");
-        const Attribute decimalsText = ReadAttribute(row, "Decimals");
+        const Attribute desc = row.Read("Desc");
+        const Attribute decimalsText = row.Read("Decimals");
         if (decimalsText.present)
             decimals = static_cast<int>(std::strtol(decimalsText.c_str(), nullptr, 10));
-        const Attribute defaultText = ReadAttribute(row, "DefaultValue");
+        const Attribute defaultText = row.Read("DefaultValue");
         if (defaultText.present)
             defaultValue = std::strtod(defaultText.c_str(), nullptr);
-        const Attribute defaultUnitIdent = ReadAttribute(row, "DefaultUnit");
+        const Attribute defaultUnitIdent = row.Read("DefaultUnit");
         if (!defaultUnitIdent.present)
             continue;
         CKVunit* defaultUnit = xunFindUnitByIdent_(defaultUnitIdent.c_str());
@@ -223,7 +231,7 @@ void LoadItemTypes(const NodePtr& group) {
         target->m_dDefault = defaultValue;
         target->AllowUnit(*defaultUnit, true);
 
-        const Attribute allowed = ReadAttribute(row, "AllowedUnits");
+        const Attribute allowed = row.Read("AllowedUnits");
         if (!allowed.present)
             continue;
         ForEachToken(allowed.text, [target](const CString& token) {
@@ -233,7 +241,7 @@ void LoadItemTypes(const NodePtr& group) {
             if (CKVunit* unit = xunFindUnitByKey_(tag))
                 target->AllowUnit(*unit, false);
         });
-        const Attribute userUnit = ReadAttribute(row, "UserUnit");
+        const Attribute userUnit = row.Read("UserUnit");
         int tag = 0;
         if (userUnit.present && xunGetUnitTagFromIdent(userUnit.c_str(), &tag))
             target->SetItemUserUnit(tag);
@@ -244,12 +252,12 @@ void LoadFilters(const NodePtr& group) {
     NodeListPtr rows = group->selectNodes(CString(kRows));
     long key = 0;
     for (long i = 0; i < rows->getlength(); ++i) {
-        NodePtr row = rows->Getitem(i);
-        const Attribute ident = ReadAttribute(row, "Ident");
-        const Attribute keyText = ReadAttribute(row, "KvId");
+        const RowAttributes row(rows->Getitem(i));
+        const Attribute ident = row.Read("Ident");
+        const Attribute keyText = row.Read("KvId");
         if (keyText.present)
             key = static_cast<long>(std::strtoul(keyText.c_str(), nullptr, 0));
-        const Attribute desc = ReadAttribute(row, "Desc");
+        const Attribute desc = row.Read("Desc");
 
         CKVfilter* filter = new CKVfilter(desc.c_str(), key);
         filter->m_strIdent = ident.c_str();
@@ -260,18 +268,17 @@ void LoadFilters(const NodePtr& group) {
             delete filter;
         }
 
-        const Attribute items = ReadAttribute(row, "Items");
+        const Attribute items = row.Read("Items");
         if (!items.present)
             continue;
         ForEachToken(items.text, [key](const CString& token) {
-            bool ok = false;
-            for (CKVitemType* item : ItemTypeList_) {
-                if (item != nullptr && token.Compare(item->m_strIdent.c_str()) == 0) {
-                    item->SetFilter(item->GetFilter() | key);
-                    ok = true;
-                }
-            }
-            XUN_ASSERT(ok, "ok", "ItemTypeTables", 3707, "int xunSetupLoad(const char *)");
+            // Item types are never removed and their idents are unique, so
+            // the ident map finds exactly the listed item type of that ident.
+            CKVitemType* item = xunFindItemTypeByIdent_(token.GetString());
+            if (item != nullptr)
+                item->SetFilter(item->GetFilter() | key);
+            XUN_ASSERT(item != nullptr, "ok", "ItemTypeTables", 3707,
+                       "int xunSetupLoad(const char *)");
         });
     }
 }

@@ -9,6 +9,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <xercesc/parsers/XercesDOMParser.hpp>
+#include <xercesc/sax/ErrorHandler.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/PlatformUtils.hpp>
+#include <xercesc/util/XMLString.hpp>
+
 #include "registry/FilterRegistry.h"
 #include "registry/ItemTypeRegistry.h"
 #include "registry/UnitRegistry.h"
@@ -108,6 +114,46 @@ TEST(DefaultInstallation, GermanTextsLoadFromACopiedTranslation) {
         unlink((home + "/bin/" + name).c_str());
     rmdir((home + "/bin").c_str());
     rmdir(home.c_str());
+}
+
+// The loader's parser validates every document; the shipped file declares its
+// document type, so it validates without a single report (an attribute or
+// element the declaration lacks would be reported here).
+class CountingErrorHandler : public xercesc::ErrorHandler {
+  public:
+    void warning(const xercesc::SAXParseException& e) override { Note("warning", e); }
+    void error(const xercesc::SAXParseException& e) override { Note("error", e); }
+    void fatalError(const xercesc::SAXParseException& e) override { Note("fatal error", e); }
+    void resetErrors() override {}
+    std::string m_strReports;
+
+  private:
+    void Note(const char* kind, const xercesc::SAXParseException& e) {
+        // The first reports tell what is wrong; the rest would only repeat it.
+        if (++m_nReports > 5)
+            return;
+        char* message = xercesc::XMLString::transcode(e.getMessage());
+        m_strReports += std::string(kind) + " at line " + std::to_string(e.getLineNumber()) + ": " +
+                        message + "\n";
+        xercesc::XMLString::release(&message);
+    }
+    int m_nReports = 0;
+};
+
+TEST(DefaultInstallation, SetupFileIsValidAgainstItsDocumentType) {
+    xercesc::XMLPlatformUtils::Initialize();
+    {
+        xercesc::XercesDOMParser parser;
+        parser.setValidationScheme(xercesc::XercesDOMParser::Val_Always);
+        parser.setDoNamespaces(true);
+        CountingErrorHandler handler;
+        parser.setErrorHandler(&handler);
+        parser.parse((DataDir() + "/bin/XUN.xml").c_str());
+        ASSERT_NE(parser.getDocument(), nullptr);
+        EXPECT_EQ(handler.m_strReports, "");
+        EXPECT_EQ(parser.getErrorCount(), 0u);
+    }
+    xercesc::XMLPlatformUtils::Terminate();
 }
 
 } // namespace
