@@ -20,6 +20,10 @@
 //               nearest, no flush-to-zero, no denormals-are-zero). The
 //               AVX-512 loop sends every third vector to the divider
 //               instead, which works beside the units the method keeps busy.
+//               Float arrays need less: only the float that the rounded
+//               quotient rounds to. There q0 = a * y alone is rounded to
+//               float and proven to be that float by its distance from q0
+//               (Avx2ReciprocalToFloat below), which saves the correction.
 //
 // The vector loops compute the conversion for every lane and store only the
 // lanes to convert (a masked store, or a select that writes the other lanes
@@ -84,11 +88,12 @@ Plan MakePlan(const XunConversion_& c, bool reciprocalPath) {
     if (HasExactReciprocal(c.toFactor)) {
         plan.division = Division::Multiply;
         plan.y = 1.0 / c.toFactor;
-    } else if (reciprocalPath && DefaultEnvironment() && std::isfinite(c.toFactor) &&
-               std::isfinite(1.0 / c.toFactor) && std::fabs(c.toFactor) >= 0x1p-960) {
-        // A finite f2 and y: zeros then come out of the method correctly
-        // signed (see Avx2Reciprocal). |f2| >= 2^-960 keeps |f2| * 2^-53
-        // exact, as the proof needs.
+    } else if (reciprocalPath && DefaultEnvironment() && std::fabs(c.toFactor) >= 0x1p-960 &&
+               std::fabs(c.toFactor) <= 0x1p1020) {
+        // A finite f2 and a normal y: zeros then come out of the method
+        // correctly signed (see Avx2Reciprocal), and y is 1 / f2 within a
+        // relative 2^-53 (see Avx2ReciprocalToFloat). |f2| >= 2^-960 keeps
+        // |f2| * 2^-53 exact, as the proof of the double quotient needs.
         plan.division = Division::Reciprocal;
         plan.y = 1.0 / c.toFactor;
         plan.halfUlpF2 = std::fabs(c.toFactor) * 0x1p-53;
@@ -194,9 +199,15 @@ void Sse2LoopF(const Plan& p, float* values, size_t count, float deleteValue) {
 #define XUN_AVX2 __attribute__((target("avx2,fma")))
 
 struct Avx2Constants {
-    __m256d f1, o1, o2, f2, y, deleteValue, sign, exponentAndSign, halfUlpF2;
+    __m256d f1, o1, o2, f2, y, deleteValue, sign, exponentAndSign, halfUlpF2, exponent,
+        floatHalfGap;
     __m256i one;
 };
+
+// The exponent bits of a double, and 2^-24 * (1 - 2^-23): see
+// Avx2ReciprocalToFloat.
+const uint64_t kExponentBits = 0x7FF0000000000000ull;
+const double kFloatHalfGap = 0x1p-24 - 0x1p-47;
 
 XUN_AVX2 inline Avx2Constants MakeAvx2Constants(const Plan& p, double del) {
     Avx2Constants k;
@@ -210,6 +221,8 @@ XUN_AVX2 inline Avx2Constants MakeAvx2Constants(const Plan& p, double del) {
     k.exponentAndSign =
         _mm256_castsi256_pd(_mm256_set1_epi64x(static_cast<long long>(0xFFF0000000000000ull)));
     k.halfUlpF2 = _mm256_set1_pd(p.halfUlpF2);
+    k.exponent = _mm256_castsi256_pd(_mm256_set1_epi64x(static_cast<long long>(kExponentBits)));
+    k.floatHalfGap = _mm256_set1_pd(kFloatHalfGap);
     k.one = _mm256_set1_epi64x(1);
     return k;
 }
@@ -248,9 +261,46 @@ XUN_AVX2 inline __m256d Avx2Reciprocal(const Avx2Constants& k, __m256d a, __m256
     return q;
 }
 
+// The float result without the rounded double quotient D = a / f2 itself.
+// q0 = a * y is within |q0| * 2^-51 of D: y = 1 / f2 and the product are
+// each rounded once with a relative error of at most 2^-53 (y is normal,
+// the plan makes sure of that, and so is q0 wherever the proof below can
+// hold), and D is within a relative 2^-53 of a / f2. Let f be q0 rounded to
+// float and 2^E the power of two at or below |q0| (the exponent bits of q0
+// alone). Then f is the float that D rounds to when
+//   |q0 - f| < 2^(E - 24) * (1 - 2^-23):
+// D lies within |q0 - f| + 2^(E - 49) of f, which is then below 2^(E - 24),
+// half the gap between f and its neighbour on D's side (for f in the same
+// binade as q0 both gaps are 2^(E - 23); for f a power of two either q0
+// lies below f, E is one less and the smaller gap under f is 2^(E - 23), or
+// q0 lies at or above f and D cannot fall under f's lower midpoint), so D
+// rounds to f strictly, without a tie. Both sides are exact: f lies within a
+// factor of two of q0, so the subtraction is exact, and the bound is a
+// power of two times a 24-bit constant. Where floats are subnormal the gaps
+// are larger than the bound assumes (still a proof); a zero or subnormal q0
+// gives the bound 0, an infinite or NaN q0 a NaN distance, and a q0 beyond
+// the range of floats an infinite f: none is proven. Unproven elements are
+// divided and then rounded to float.
+XUN_AVX2 inline __m128 Avx2ReciprocalToFloat(const Avx2Constants& k, __m256d a, __m256d convert) {
+    const __m256d q0 = _mm256_mul_pd(a, k.y);
+    const __m128 f = _mm256_cvtpd_ps(q0);
+    const __m256d back = _mm256_cvtps_pd(f);
+    const __m256d distance = _mm256_andnot_pd(k.sign, _mm256_sub_pd(q0, back));
+    const __m256d bound = _mm256_mul_pd(_mm256_and_pd(q0, k.exponent), k.floatHalfGap);
+    const __m256d unproven = _mm256_andnot_pd(_mm256_cmp_pd(distance, bound, _CMP_LT_OQ), convert);
+    if (!_mm256_testz_pd(unproven, unproven))
+        return _mm256_cvtpd_ps(_mm256_blendv_pd(back, _mm256_div_pd(a, k.f2), unproven));
+    return f;
+}
+
+// a = (x * f1 + o1) - o2, each step rounded.
+XUN_AVX2 inline __m256d Avx2Dividend(const Avx2Constants& k, __m256d x) {
+    return _mm256_sub_pd(_mm256_add_pd(_mm256_mul_pd(x, k.f1), k.o1), k.o2);
+}
+
 template <Division D>
 XUN_AVX2 inline __m256d Avx2Convert(const Avx2Constants& k, __m256d x, __m256d convert) {
-    const __m256d a = _mm256_sub_pd(_mm256_add_pd(_mm256_mul_pd(x, k.f1), k.o1), k.o2);
+    const __m256d a = Avx2Dividend(k, x);
     if constexpr (D == Division::Multiply)
         return _mm256_mul_pd(a, k.y);
     else if constexpr (D == Division::Reciprocal)
@@ -274,8 +324,14 @@ XUN_AVX2 inline void Avx2StepF(const Avx2Constants& k, __m256 deleteValue, float
     // the one in single precision.
     const __m256d convertLow = _mm256_cmp_pd(low, k.deleteValue, _CMP_NEQ_OQ);
     const __m256d convertHigh = _mm256_cmp_pd(high, k.deleteValue, _CMP_NEQ_OQ);
-    const __m128 convertedLow = _mm256_cvtpd_ps(Avx2Convert<D>(k, low, convertLow));
-    const __m128 convertedHigh = _mm256_cvtpd_ps(Avx2Convert<D>(k, high, convertHigh));
+    __m128 convertedLow, convertedHigh;
+    if constexpr (D == Division::Reciprocal) {
+        convertedLow = Avx2ReciprocalToFloat(k, Avx2Dividend(k, low), convertLow);
+        convertedHigh = Avx2ReciprocalToFloat(k, Avx2Dividend(k, high), convertHigh);
+    } else {
+        convertedLow = _mm256_cvtpd_ps(Avx2Convert<D>(k, low, convertLow));
+        convertedHigh = _mm256_cvtpd_ps(Avx2Convert<D>(k, high, convertHigh));
+    }
     const __m256 converted = _mm256_set_m128(convertedHigh, convertedLow);
     const __m256 convert = _mm256_cmp_ps(x, deleteValue, _CMP_NEQ_OQ);
     _mm256_storeu_ps(at, _mm256_blendv_ps(x, converted, convert));
@@ -327,8 +383,8 @@ XUN_AVX2 void Avx2LoopF(const Plan& p, float* values, size_t count, float delete
 #define XUN_AVX512 __attribute__((target("avx512f,avx512vl,avx512dq,avx2,fma")))
 
 struct Avx512Constants {
-    __m512d f1, o1, o2, f2, y, deleteValue, halfUlpF2;
-    __m512i sign, one, exponentAndSign;
+    __m512d f1, o1, o2, f2, y, deleteValue, halfUlpF2, floatHalfGap;
+    __m512i sign, one, exponentAndSign, exponent;
 };
 
 XUN_AVX512 inline Avx512Constants MakeAvx512Constants(const Plan& p, double del) {
@@ -343,6 +399,8 @@ XUN_AVX512 inline Avx512Constants MakeAvx512Constants(const Plan& p, double del)
     k.sign = _mm512_set1_epi64(static_cast<long long>(0x8000000000000000ull));
     k.one = _mm512_set1_epi64(1);
     k.exponentAndSign = _mm512_set1_epi64(static_cast<long long>(0xFFF0000000000000ull));
+    k.exponent = _mm512_set1_epi64(static_cast<long long>(kExponentBits));
+    k.floatHalfGap = _mm512_set1_pd(kFloatHalfGap);
     return k;
 }
 
@@ -365,9 +423,29 @@ XUN_AVX512 inline __m512d Avx512Reciprocal(const Avx512Constants& k, __m512d a, 
     return q;
 }
 
+// As Avx2ReciprocalToFloat.
+XUN_AVX512 inline __m256 Avx512ReciprocalToFloat(const Avx512Constants& k, __m512d a,
+                                                 __mmask8 convert) {
+    const __m512d q0 = _mm512_mul_pd(a, k.y);
+    const __m256 f = _mm512_maskz_cvtpd_ps(0xFF, q0);
+    const __m512d distance = _mm512_abs_pd(_mm512_sub_pd(q0, _mm512_maskz_cvtps_pd(0xFF, f)));
+    const __m512d bound = _mm512_mul_pd(
+        _mm512_castsi512_pd(_mm512_and_si512(_mm512_castpd_si512(q0), k.exponent)), k.floatHalfGap);
+    // Not below the bound, NaN included.
+    const __mmask8 unproven = _mm512_mask_cmp_pd_mask(convert, distance, bound, _CMP_NLT_UQ);
+    if (unproven != 0)
+        return _mm512_mask_cvtpd_ps(f, unproven, _mm512_div_pd(a, k.f2));
+    return f;
+}
+
+// a = (x * f1 + o1) - o2, each step rounded.
+XUN_AVX512 inline __m512d Avx512Dividend(const Avx512Constants& k, __m512d x) {
+    return _mm512_sub_pd(_mm512_add_pd(_mm512_mul_pd(x, k.f1), k.o1), k.o2);
+}
+
 template <Division D>
 XUN_AVX512 inline __m512d Avx512Convert(const Avx512Constants& k, __m512d x, __mmask8 convert) {
-    const __m512d a = _mm512_sub_pd(_mm512_add_pd(_mm512_mul_pd(x, k.f1), k.o1), k.o2);
+    const __m512d a = Avx512Dividend(k, x);
     if constexpr (D == Division::Multiply)
         return _mm512_mul_pd(a, k.y);
     else if constexpr (D == Division::Reciprocal)
@@ -390,8 +468,12 @@ XUN_AVX512 inline void Avx512StepF(const Avx512Constants& k, float* at, __mmask8
     // are the plain conversions without GCC's undefined-source placeholder.)
     const __m512d x = _mm512_maskz_cvtps_pd(0xFF, _mm256_maskz_loadu_ps(lanes, at));
     const __mmask8 convert = _mm512_mask_cmp_pd_mask(lanes, x, k.deleteValue, _CMP_NEQ_OQ);
-    _mm256_mask_storeu_ps(at, convert,
-                          _mm512_maskz_cvtpd_ps(0xFF, Avx512Convert<D>(k, x, convert)));
+    if constexpr (D == Division::Reciprocal)
+        _mm256_mask_storeu_ps(at, convert,
+                              Avx512ReciprocalToFloat(k, Avx512Dividend(k, x), convert));
+    else
+        _mm256_mask_storeu_ps(at, convert,
+                              _mm512_maskz_cvtpd_ps(0xFF, Avx512Convert<D>(k, x, convert)));
 }
 
 XUN_AVX512 inline __mmask8 FirstLanes(size_t n) {

@@ -11,8 +11,10 @@
 //   Avx2, Avx512      wider vectors, true division.
 //   Avx2Reciprocal,   the division replaced, where it is proven to give the
 //   Avx512Reciprocal  same bits, by a multiplication with the reciprocal of f2
-//                     and one correction with fused multiply-adds; a true
-//                     division for every element it does not cover.
+//                     and one correction with fused multiply-adds (for float
+//                     arrays the product alone, proven to round to the same
+//                     float); a true division for every element it does not
+//                     cover.
 // In every variant a divisor f2 that is a power of two is replaced by a
 // multiplication with its exact reciprocal (the same value, rounded once).
 #pragma once

@@ -458,6 +458,68 @@ TEST_P(ConversionPath, OddLengthsAndMisalignedStarts) {
 
 // Arrays large enough for the prefetching loops, with and without delete
 // values, at an aligned and a misaligned start.
+// Float results whose rounded double quotient lies on, next to or around a
+// rounding boundary of floats: the midpoints between neighbouring floats
+// (ties included), both sides of powers of two (where the gaps differ), the
+// overflow threshold of floats and their subnormal range. For each target m
+// and divisor f2 the array sweeps the dividend a over A + i * ulp(A),
+// A = m * f2 rounded, i = -64 ... 64: f1 = ulp(A) is a power of two and
+// o1 = A, so the dividend is exact, and the quotients step through m one
+// double at a time.
+TEST_P(ConversionPath, FloatRoundingBoundaries) {
+    Numbers numbers(7);
+    std::vector<double> targets;
+    const double maxFloat = static_cast<double>(std::numeric_limits<float>::max());
+    for (double m : {maxFloat, maxFloat + 0x1p103, maxFloat - 0x1p103, 0x1p-126,
+                     0x1p-126 - 0x1p-150, 0x1p-126 + 0x1p-150, 0x1p-149, 0x1p-150, 0x1.8p-149,
+                     0x1p-127 + 0x1p-150, 1.0, 1.0 + 0x1p-24, 1.0 - 0x1p-25, 3.0 + 0x1p-23})
+        targets.push_back(m);
+    for (int k = 0; k < 200; ++k) {
+        // A random float, its two midpoints, and a power of two's.
+        const float f = static_cast<float>(numbers.Normal(-120, 120));
+        const double below = static_cast<double>(std::nextafter(f, 0.0f));
+        const double above = static_cast<double>(std::nextafter(f, f > 0 ? INFINITY : -INFINITY));
+        targets.push_back((static_cast<double>(f) + below) / 2);
+        targets.push_back((static_cast<double>(f) + above) / 2);
+        const double power = std::ldexp(1.0, static_cast<int>(numbers.Next() % 240) - 120);
+        targets.push_back(power - std::ldexp(power, -25));
+        targets.push_back(power + std::ldexp(power, -24));
+    }
+    std::vector<float> input;
+    for (int i = -64; i <= 64; ++i)
+        input.push_back(static_cast<float>(i));
+    const float deleteValue = 12345.0f;
+    for (double m : targets) {
+        for (int d = 0; d < 6; ++d) {
+            double f2;
+            switch (d) {
+            case 0:
+                f2 = 3.0;
+                break;
+            case 1:
+                f2 = -10.0;
+                break;
+            case 2: // all-ones significand
+                f2 = FromBits((static_cast<uint64_t>(1023 + numbers.Next() % 9 - 4) << 52) |
+                              0xFFFFFFFFFFFFFull);
+                break;
+            default:
+                f2 = numbers.Normal(-8, 8);
+                break;
+            }
+            const double a = m * f2;
+            if (!std::isnormal(a))
+                continue;
+            int exponent = 0;
+            std::frexp(a, &exponent);
+            const double ulp = std::ldexp(1.0, exponent - 53);
+            const XunConversion_ c{ulp, a, 0.0, f2};
+            ASSERT_TRUE(Check(c, input.data(), input.size(), deleteValue, numbers.Next() % 16))
+                << "target " << std::hexfloat << m;
+        }
+    }
+}
+
 TEST_P(ConversionPath, LargeArrays) {
     Numbers numbers(6);
     const size_t count = 300000;
