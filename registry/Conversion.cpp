@@ -24,19 +24,28 @@ struct Conversion : XunConversion_ {
     double Apply(double x) const { return ((x * fromFactor + fromOffset) - toOffset) / toFactor; }
 };
 
-// Both units registered with non-zero keys and of the same dimension.
+// Whether the units of two key entries have equal dimensions, as
+// CKVunit::IsEqv decides. The invariant checks that IsEqv makes held when the
+// units were registered (else the entry says so and they are made now), and
+// nothing they check changes afterwards.
+bool SameDimension(const CKVunitKeyEntry& from, const CKVunitKeyEntry& to) {
+    if (from.dimensionClass == kUncheckedUnit || to.dimensionClass == kUncheckedUnit)
+        return from.unit->GetDim().IsEqv(to.unit->GetDim());
+    return from.dimensionClass == to.dimensionClass && from.dimensionClass != kNoDimensionClass;
+}
+
+// Both units registered with non-zero keys and of the same dimension. The
+// key index holds copies of what is needed (registry/UnitRegistry.h).
 bool FindConversion(int fromTag, int toTag, Conversion& conversion) {
-    const CKVunit* from = xunFindUnitByKey_(fromTag);
-    const CKVunit* to = xunFindUnitByKey_(toTag);
-    // GetDim() makes the invariant checks that CKVunit::IsEqv makes, in the
-    // same order; comparing the two dimensions is the rest of IsEqv.
-    if (from == nullptr || to == nullptr || from->m_lKey == 0 || to->m_lKey == 0 ||
-        !from->GetDim().IsEqv(to->GetDim()))
+    const CKVunitKeyEntry* from = xunFindUnitEntryByKey_(fromTag);
+    const CKVunitKeyEntry* to = xunFindUnitEntryByKey_(toTag);
+    if (from == nullptr || to == nullptr || fromTag == 0 || toTag == 0 ||
+        !SameDimension(*from, *to))
         return false;
-    conversion.fromFactor = from->m_dFactor;
-    conversion.fromOffset = from->m_dOffset;
-    conversion.toOffset = to->m_dOffset;
-    conversion.toFactor = to->m_dFactor;
+    conversion.fromFactor = from->factor;
+    conversion.fromOffset = from->offset;
+    conversion.toOffset = to->offset;
+    conversion.toFactor = to->factor;
     return true;
 }
 

@@ -8,9 +8,39 @@
 CKVunitList UnitList_;
 CKVunitMap UnitMap_;
 CKVunitStringMap UnitStringMap_;
-CKVhashIndex<long, CKVunit*> UnitKeyIndex_;
+CKVhashIndex<long, CKVunitKeyEntry> UnitKeyIndex_;
 
 namespace {
+
+// One dimension of each class handed out so far; the class is the index.
+std::vector<CKVdimension> DimensionClasses;
+
+// The class of a dimension: that of an equal one seen before, else a new one.
+int DimensionClassOf(const CKVdimension& dim) {
+    if (!dim.IsEqv(dim))
+        return kNoDimensionClass;
+    for (size_t i = 0; i < DimensionClasses.size(); ++i)
+        if (DimensionClasses[i].IsEqv(dim))
+            return static_cast<int>(i);
+    DimensionClasses.push_back(dim);
+    return static_cast<int>(DimensionClasses.size() - 1);
+}
+
+CKVunitKeyEntry KeyEntryOf(CKVunit& unit) {
+    CKVunitKeyEntry entry;
+    entry.unit = &unit;
+    entry.factor = unit.m_dFactor;
+    entry.offset = unit.m_dOffset;
+    // The conditions of CKVunit::AssertValid, without its abort: a unit that
+    // fails them is left to the checks at the time of use.
+    const bool valid =
+        (unit.m_pDimParent == nullptr) != (unit.m_pDimTemp == nullptr) && unit.m_dFactor != 0.0;
+    entry.dimensionClass =
+        valid
+            ? DimensionClassOf(unit.m_pDimParent != nullptr ? *unit.m_pDimParent : *unit.m_pDimTemp)
+            : kUncheckedUnit;
+    return entry;
+}
 
 // The lookup indexes, kept in step with the containers by AddUnit_ and
 // xunRemoveUnit_. They hold registered units only, never null.
@@ -91,7 +121,7 @@ int AddUnit_(CKVunit& unit, int atFront) {
     }
     UnitMap_[key] = &unit;
     UnitStringMap_[ident] = &unit;
-    UnitKeyIndex_.Set(key, &unit);
+    UnitKeyIndex_.Set(key, KeyEntryOf(unit));
     UnitIdentIndex_.Set(ident, &unit);
     return 1;
 }

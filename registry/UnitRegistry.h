@@ -32,15 +32,35 @@ extern CKVunitStringMap UnitStringMap_;
 // others. Returns 0 and changes nothing when its key or ident is taken.
 int AddUnit_(CKVunit& unit, int atFront);
 
+// An entry of the key index: the unit, and beside it what a conversion reads
+// of it, copied when the unit is registered (the factor, offset and dimension
+// of a registered unit never change). A conversion then reads one slot per
+// unit instead of the unit and its dimension, which lie anywhere in memory.
+struct CKVunitKeyEntry {
+    CKVunit* unit = nullptr;
+    double factor = 0.0;
+    double offset = 0.0;
+    // Equal for units of equal dimensions (CKVdimension::IsEqv), different
+    // otherwise; kNoDimensionClass for a dimension equal to none, not even to
+    // itself (an exponent that is NaN); kUncheckedUnit for a unit that its
+    // invariant checks (CKVunit::AssertValid) would stop.
+    int dimensionClass = 0;
+};
+const int kNoDimensionClass = -1;
+const int kUncheckedUnit = -2;
+
 // The key index (defined in UnitRegistry.cpp, kept in step by AddUnit_ and
-// xunRemoveUnit_), declared here so that the key lookup below inlines.
-extern CKVhashIndex<long, CKVunit*> UnitKeyIndex_;
+// xunRemoveUnit_), declared here so that the key lookups below inline.
+extern CKVhashIndex<long, CKVunitKeyEntry> UnitKeyIndex_;
 
 // Lookups that never insert (nor write anything else); null for an unknown key
 // or ident.
+inline const CKVunitKeyEntry* xunFindUnitEntryByKey_(long key) {
+    return UnitKeyIndex_.Find(key);
+}
 inline CKVunit* xunFindUnitByKey_(long key) {
-    CKVunit* const* unit = UnitKeyIndex_.Find(key);
-    return unit != nullptr ? *unit : nullptr;
+    const CKVunitKeyEntry* entry = UnitKeyIndex_.Find(key);
+    return entry != nullptr ? entry->unit : nullptr;
 }
 CKVunit* xunFindUnitByIdent_(std::string_view ident);
 

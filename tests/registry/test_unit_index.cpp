@@ -6,6 +6,7 @@
 // null elements put into the list by hand.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <iterator>
 #include <map>
 #include <memory>
@@ -323,6 +324,68 @@ TEST(UnitIndex, MissedLookupsInsertNothing) {
     EXPECT_EQ(UnitMap_.size(), 1u);
     EXPECT_EQ(UnitStringMap_.size(), 1u);
     EXPECT_EQ(UnitList_.size(), 1u);
+}
+
+// --- what the key index keeps for conversions ------------------------------
+
+// Registers an anonymous unit of its own dimension (owned by the unit).
+CKVunit* Register(const char* ident, long key, double factor, double offset,
+                  const CKVdimension& dim) {
+    CKVunit* unit = new CKVunit(factor, dim);
+    unit->m_dOffset = offset;
+    unit->m_strIdent = ident;
+    unit->m_lKey = key;
+    EXPECT_EQ(AddUnit_(*unit, 0), 1) << ident;
+    return unit;
+}
+
+TEST(UnitKeyIndex, ConvertsBetweenEqualDimensionsHeldApart) {
+    // Two units own equal copies of a composite dimension; a negative zero
+    // exponent equals a zero one.
+    Register("Speed1", 11, 2.0, 0.0, CKVdimension(1, 0, -1, 0, 0, 0, 0));
+    Register("Speed2", 12, 3.0, 1.0, CKVdimension(1, -0.0, -1, 0, 0, 0, 0));
+    Register("Other", 13, 5.0, 0.0, CKVdimension(1, 0, -2, 0, 0, 0, 0));
+    double result = 0.0;
+    EXPECT_EQ(xunConvertUnit(11, 12, &result, 7.0), 1);
+    EXPECT_EQ(result, ((7.0 * 2.0 + 0.0) - 1.0) / 3.0);
+    EXPECT_EQ(xunConvertUnit(12, 11, &result, 7.0), 1);
+    EXPECT_EQ(result, ((7.0 * 3.0 + 1.0) - 0.0) / 2.0);
+    result = 42.0;
+    EXPECT_EQ(xunConvertUnit(11, 13, &result, 7.0), 0);
+    EXPECT_EQ(result, 7.0);
+    std::vector<double> values{1.0, 2.0};
+    EXPECT_EQ(xunConvertItemArrayD(13, 12, values.data(), 2, -1.0), 0);
+    EXPECT_EQ(values, (std::vector<double>{1.0, 2.0}));
+}
+
+TEST(UnitKeyIndex, DimensionWithNaNExponentEqualsNothingNotEvenItself) {
+    Register("Odd", 21, 1.5, 0.0, CKVdimension(NAN, 0, 0, 0, 0, 0, 0));
+    Register("Plain", 22, 1.0, 0.0, CKVdimension(1, 0, 0, 0, 0, 0, 0));
+    double result = 0.0;
+    EXPECT_EQ(xunConvertUnit(21, 21, &result, 2.0), 0);
+    EXPECT_EQ(xunConvertUnit(21, 22, &result, 2.0), 0);
+    EXPECT_EQ(xunConvertUnit(22, 21, &result, 2.0), 0);
+    EXPECT_EQ(xunConvertUnit(22, 22, &result, 2.0), 1);
+    EXPECT_EQ(result, 2.0);
+}
+
+TEST(UnitKeyIndexDeathTest, UnitBrokenBeforeRegistrationStillFailsItsChecks) {
+    // A unit that holds a borrowed and an owned dimension at once is caught
+    // by the checks of the conversion, as before the index kept anything.
+    EXPECT_DEATH(
+        {
+            static const CKVdimension length(1, 0, 0, 0, 0, 0, 0);
+            Register("Good", 32, 1.0, 0.0, length);
+            CKVunit* late = new CKVunit(2.0, length);
+            late->m_pDimParent = &length;
+            late->m_strIdent = "Late";
+            late->m_lKey = 33;
+            AddUnit_(*late, 0);
+            double result = 0.0;
+            xunConvertUnit(33, 32, &result, 1.0);
+        },
+        "KVunit:284: void CKVunit::AssertValid\\(\\) const: Assertion "
+        "`\\(m_pDimParent == 0\\) != \\(m_pDimTemp == 0\\)' failed\\.");
 }
 
 } // namespace
