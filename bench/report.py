@@ -1,7 +1,7 @@
 #!/usr/bin/env python3
 """Turns the JSON output of xun-bench into the table of README.md.
 
-    build-release/bench/xun-bench --benchmark_repetitions=5 \\
+    build-rel/bench/xun-bench --benchmark_repetitions=5 \\
         --benchmark_out=bench.json --benchmark_out_format=json
     python3 bench/report.py bench.json [more.json ...]
 
@@ -100,7 +100,7 @@ def array_tables(f):
                  "blocks; ✓/✗ against the target.")
     lines.append("")
     lines.append("| array | libxun | UDUNITS-2 | ratio (≥ 1.0) | libxun | in-place stream "
-                 "| ratio (≥ 0.85 at 64 M) | 50 % deleted / 0 % (≥ 0.9) |")
+                 "| ratio, paired / separate (≥ 0.85 at 64 M) | 50 % deleted / 0 % (≥ 0.9) |")
     lines.append("|---|---|---|---|---|---|---|---|")
     for typ in ("double", "float"):
         for size in ("1000", "100000", "64M"):
@@ -111,12 +111,19 @@ def array_tables(f):
             r_u = f.median(vs_u, "ratio")
             r_s = f.median(vs_s, "ratio")
             r_d = f.median(dele, "ratio")
+            # The stream also as separate benchmarks of the same run; the
+            # target is judged on the lower of the two ratios.
+            separate = ratio(f.rate(f"array/{typ}/{size}/offset/del0/xun"),
+                             f.rate(f"array/{typ}/{size}/stream"))
+            lower = min(x for x in (r_s, separate) if x is not None) if (r_s or separate) else None
+            stream_cell = (f"{fmt(r_s)} / {fmt(separate)}"
+                           + (f" {mark(lower, 0.85, True).split()[-1]}" if size == "64M" and lower else ""))
             lines.append(
                 f"| {typ} × {size} | {fmt(f.median(vs_u, 'first_Gps'))} | "
                 f"{fmt(f.median(vs_u, 'second_Gps'))} | "
                 f"{mark(r_u, 1.0, True) if size != '64M' else fmt(r_u)} | "
                 f"{fmt(f.median(vs_s, 'first_Gps'))} | {fmt(f.median(vs_s, 'second_Gps'))} | "
-                f"{mark(r_s, 0.85, True) if size == '64M' else fmt(r_s)} | {mark(r_d, 0.9, True)} |")
+                f"{stream_cell} | {mark(r_d, 0.9, True)} |")
     lines.append("")
     lines.append("All pairs, separate benchmarks (no targets), G elements/s: libxun / UDUNITS-2, "
                  "and libxun with 10 % and 50 % of the elements deleted")
