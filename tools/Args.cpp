@@ -51,11 +51,11 @@ bool ParseArgs(const std::vector<std::string>& args, const std::vector<OptionSpe
         }
         if (name == "-h")
             name = "--help";
-        const OptionSpec* spec = nullptr;
+        const OptionSpec* known = nullptr;
         for (const OptionSpec& candidate : allowed)
             if (name == candidate.name)
-                spec = &candidate;
-        if (spec == nullptr) {
+                known = &candidate;
+        if (known == nullptr) {
             error = "unknown option '" + name + "'";
             return false;
         }
@@ -63,7 +63,7 @@ bool ParseArgs(const std::vector<std::string>& args, const std::vector<OptionSpe
             error = "option '" + name + "' given twice";
             return false;
         }
-        if (!spec->takesValue) {
+        if (!known->takesValue) {
             if (inlineValue) {
                 error = "option '" + name + "' takes no value";
                 return false;

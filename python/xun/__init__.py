@@ -441,22 +441,22 @@ def unit_by_name(name):
     return Unit(tag.value)
 
 
-def unit(spec):
+def unit(which):
     """A unit named by a Unit, its numeric key, its ident or its name."""
-    if isinstance(spec, Unit):
-        return spec
-    if isinstance(spec, int) and not isinstance(spec, bool):
-        return unit_by_tag(spec)
-    if isinstance(spec, (str, bytes)):
+    if isinstance(which, Unit):
+        return which
+    if isinstance(which, int) and not isinstance(which, bool):
+        return unit_by_tag(which)
+    if isinstance(which, (str, bytes)):
         try:
-            return unit_by_ident(spec)
+            return unit_by_ident(which)
         except XunError:
             pass
         try:
-            return unit_by_name(spec)
+            return unit_by_name(which)
         except XunError:
-            raise XunError(f"unknown unit '{_decode(_encode(spec, 'unit'))}'") from None
-    raise TypeError(f"a unit is named by a Unit, an int or a text, got {type(spec).__name__}")
+            raise XunError(f"unknown unit '{_decode(_encode(which, 'unit'))}'") from None
+    raise TypeError(f"a unit is named by a Unit, an int or a text, got {type(which).__name__}")
 
 
 def units():
@@ -571,8 +571,8 @@ class ItemType:
         return Unit(tag) if tag != -1 else None
 
     @user_unit.setter
-    def user_unit(self, spec):
-        target = unit(spec)
+    def user_unit(self, which):
+        target = unit(which)
         with lock:
             ok = library().xunSetItemUserUnit(self._key, target.tag)
         if ok != 1:
@@ -601,15 +601,15 @@ class ItemType:
             )
         return Unit(tag.value)
 
-    def is_compatible(self, spec):
+    def is_compatible(self, which):
         """True when the unit has this item type's dimension."""
-        target = unit(spec)
+        target = unit(which)
         with lock:
             return library().xunItemUnitEqv(self._key, target.tag) == 1
 
-    def in_filter(self, spec):
+    def in_filter(self, which):
         """True when this item type belongs to the filter."""
-        bits = filter(spec).bit
+        bits = filter(which).bit
         with lock:
             return library().xunItemFilterEqv(self._key, bits) == 1
 
@@ -652,16 +652,16 @@ def item_type_by_ident(ident):
     return ItemType(key.value)
 
 
-def item_type(spec):
+def item_type(which):
     """An item type named by an ItemType, its numeric key or its ident."""
-    if isinstance(spec, ItemType):
-        return spec
-    if isinstance(spec, int) and not isinstance(spec, bool):
-        return item_type_by_key(spec)
-    if isinstance(spec, (str, bytes)):
-        return item_type_by_ident(spec)
+    if isinstance(which, ItemType):
+        return which
+    if isinstance(which, int) and not isinstance(which, bool):
+        return item_type_by_key(which)
+    if isinstance(which, (str, bytes)):
+        return item_type_by_ident(which)
     raise TypeError(
-        f"an item type is named by an ItemType, an int or a text, got {type(spec).__name__}"
+        f"an item type is named by an ItemType, an int or a text, got {type(which).__name__}"
     )
 
 
@@ -767,15 +767,15 @@ def filter_by_ident(ident):
     return Filter(bit.value)
 
 
-def filter(spec):  # noqa: A001 - the package's own namespace
+def filter(which):  # noqa: A001 - the package's own namespace
     """A filter named by a Filter, its bit or its ident."""
-    if isinstance(spec, Filter):
-        return spec
-    if isinstance(spec, int) and not isinstance(spec, bool):
-        return filter_by_bit(spec)
-    if isinstance(spec, (str, bytes)):
-        return filter_by_ident(spec)
-    raise TypeError(f"a filter is named by a Filter, an int or a text, got {type(spec).__name__}")
+    if isinstance(which, Filter):
+        return which
+    if isinstance(which, int) and not isinstance(which, bool):
+        return filter_by_bit(which)
+    if isinstance(which, (str, bytes)):
+        return filter_by_ident(which)
+    raise TypeError(f"a filter is named by a Filter, an int or a text, got {type(which).__name__}")
 
 
 def filters():
