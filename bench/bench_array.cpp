@@ -19,7 +19,6 @@
 // and runs on the arrays without any.
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -339,23 +338,8 @@ template <class T> void PairedArray(benchmark::State& state, size_t count, Pairi
             }
         }
     };
-    using Clock = std::chrono::steady_clock;
     double firstSeconds = 0, secondSeconds = 0;
-    bool firstGoesFirst = true;
-    for (auto _ : state) {
-        for (int half = 0; half < 2; ++half) {
-            const bool runningFirst = (half == 0) == firstGoesFirst;
-            const Clock::time_point start = Clock::now();
-            if (runningFirst)
-                runFirst();
-            else
-                runSecond();
-            benchmark::ClobberMemory();
-            const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-            (runningFirst ? firstSeconds : secondSeconds) += seconds;
-        }
-        firstGoesFirst = !firstGoesFirst;
-    }
+    TimeAlternating(state, runFirst, runSecond, firstSeconds, secondSeconds);
 #ifdef XUN_BENCH_UDUNITS
     cv_free(converters.forth);
     cv_free(converters.back);

@@ -3,9 +3,12 @@
 // library is available) its unit system.
 #pragma once
 
+#include <chrono>
 #include <cstdint>
 #include <string>
 #include <vector>
+
+#include <benchmark/benchmark.h>
 
 #ifdef XUN_BENCH_UDUNITS
 #include <udunits2.h>
@@ -42,6 +45,31 @@ class Random {
   private:
     uint64_t m_state;
 };
+
+// Times two candidates in alternating blocks, one block of each per
+// iteration, the order swapped from one iteration to the next, so that a
+// change of the machine's load hits both alike; adds up each candidate's
+// seconds.
+template <class First, class Second>
+void TimeAlternating(benchmark::State& state, First runFirst, Second runSecond,
+                     double& firstSeconds, double& secondSeconds) {
+    using Clock = std::chrono::steady_clock;
+    bool firstGoesFirst = true;
+    for (auto _ : state) {
+        for (int half = 0; half < 2; ++half) {
+            const bool runningFirst = (half == 0) == firstGoesFirst;
+            const Clock::time_point start = Clock::now();
+            if (runningFirst)
+                runFirst();
+            else
+                runSecond();
+            benchmark::ClobberMemory();
+            const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
+            (runningFirst ? firstSeconds : secondSeconds) += seconds;
+        }
+        firstGoesFirst = !firstGoesFirst;
+    }
+}
 
 #ifdef XUN_BENCH_UDUNITS
 // The UDUNITS-2 unit system, read once from its default database.

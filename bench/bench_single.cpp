@@ -8,7 +8,6 @@
 // benchmark draws among all pairs, most of which are refused.
 #include <benchmark/benchmark.h>
 
-#include <chrono>
 #include <cstdio>
 #include <cstdlib>
 #include <map>
@@ -181,6 +180,7 @@ void UdunitsMadeEachTime(benchmark::State& state) {
     state.counters["units"] = static_cast<double>(UdunitsUnits().size());
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
 }
+
 // libxun's conversions and UDUNITS-2's made-each-time ones in alternating
 // blocks of all 4096 pairs (see PairedArray in bench_array.cpp): counters
 // first_ns and second_ns per conversion and their ratio.
@@ -193,32 +193,23 @@ void PairedSingle(benchmark::State& state) {
         pairs.push_back({tags[pair.first], tags[pair.second]});
     const std::vector<UnitPair> theirs = UdunitsPairs();
     const std::vector<double> values = RandomValues();
-    using Clock = std::chrono::steady_clock;
-    double firstSeconds = 0, secondSeconds = 0;
-    bool firstGoesFirst = true;
-    for (auto _ : state) {
-        for (int half = 0; half < 2; ++half) {
-            const bool runningFirst = (half == 0) == firstGoesFirst;
-            const Clock::time_point start = Clock::now();
-            if (runningFirst) {
-                for (size_t i = 0; i < kPairs; ++i) {
-                    double result;
-                    xunConvertUnit(pairs[i].from, pairs[i].to, &result, values[i]);
-                    benchmark::DoNotOptimize(result);
-                }
-            } else {
-                for (size_t i = 0; i < kPairs; ++i) {
-                    cv_converter* converter = ut_get_converter(theirs[i].from, theirs[i].to);
-                    double result = cv_convert_double(converter, values[i]);
-                    benchmark::DoNotOptimize(result);
-                    cv_free(converter);
-                }
-            }
-            const double seconds = std::chrono::duration<double>(Clock::now() - start).count();
-            (runningFirst ? firstSeconds : secondSeconds) += seconds;
+    auto ours = [&] {
+        for (size_t i = 0; i < kPairs; ++i) {
+            double result;
+            xunConvertUnit(pairs[i].from, pairs[i].to, &result, values[i]);
+            benchmark::DoNotOptimize(result);
         }
-        firstGoesFirst = !firstGoesFirst;
-    }
+    };
+    auto made = [&] {
+        for (size_t i = 0; i < kPairs; ++i) {
+            cv_converter* converter = ut_get_converter(theirs[i].from, theirs[i].to);
+            double result = cv_convert_double(converter, values[i]);
+            benchmark::DoNotOptimize(result);
+            cv_free(converter);
+        }
+    };
+    double firstSeconds = 0, secondSeconds = 0;
+    TimeAlternating(state, ours, made, firstSeconds, secondSeconds);
     const double conversions = static_cast<double>(state.iterations()) * kPairs;
     state.counters["first_ns"] = firstSeconds / conversions * 1e9;
     state.counters["second_ns"] = secondSeconds / conversions * 1e9;

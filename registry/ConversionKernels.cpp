@@ -667,8 +667,13 @@ XunConversionPath_ xunConversionPathInUse_() {
     return CurrentPath();
 }
 
-void xunConvertArrayD_(const XunConversion_& conversion, double* values, int count,
-                       double deleteValue) {
+namespace {
+
+// Converts with the loops of the variant in use: Wide, Avx2 and Baseline are
+// the AVX-512, AVX2 and SSE2 loops for the element type T.
+template <template <Division, bool> class Wide, template <Division, bool> class Avx2,
+          template <Division, bool> class Baseline, class T>
+void ConvertArray(const XunConversion_& conversion, T* values, int count, T deleteValue) {
     // No element compares below or above a NaN delete value: nothing to do.
     if (count < 1 || deleteValue != deleteValue)
         return;
@@ -678,36 +683,26 @@ void xunConvertArrayD_(const XunConversion_& conversion, double* values, int cou
     switch (path) {
     case XunConversionPath_::Avx512:
     case XunConversionPath_::Avx512Reciprocal:
-        Run<Avx512D>(plan, values, n, deleteValue);
+        Run<Wide>(plan, values, n, deleteValue);
         break;
     case XunConversionPath_::Avx2:
     case XunConversionPath_::Avx2Reciprocal:
-        Run<Avx2D>(plan, values, n, deleteValue);
+        Run<Avx2>(plan, values, n, deleteValue);
         break;
     default:
-        Run<Sse2D>(plan, values, n, deleteValue);
+        Run<Baseline>(plan, values, n, deleteValue);
         break;
     }
 }
 
+} // namespace
+
+void xunConvertArrayD_(const XunConversion_& conversion, double* values, int count,
+                       double deleteValue) {
+    ConvertArray<Avx512D, Avx2D, Sse2D>(conversion, values, count, deleteValue);
+}
+
 void xunConvertArrayF_(const XunConversion_& conversion, float* values, int count,
                        float deleteValue) {
-    if (count < 1 || deleteValue != deleteValue)
-        return;
-    const XunConversionPath_ path = CurrentPath();
-    const Plan plan = MakePlan(conversion, IsReciprocal(path));
-    const size_t n = static_cast<size_t>(count);
-    switch (path) {
-    case XunConversionPath_::Avx512:
-    case XunConversionPath_::Avx512Reciprocal:
-        Run<Avx512F>(plan, values, n, deleteValue);
-        break;
-    case XunConversionPath_::Avx2:
-    case XunConversionPath_::Avx2Reciprocal:
-        Run<Avx2F>(plan, values, n, deleteValue);
-        break;
-    default:
-        Run<Sse2F>(plan, values, n, deleteValue);
-        break;
-    }
+    ConvertArray<Avx512F, Avx2F, Sse2F>(conversion, values, count, deleteValue);
 }
