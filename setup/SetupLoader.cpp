@@ -40,7 +40,9 @@ const char kItemsGroup[] = "//Group[@Name=\"Items\"]";
 const char kFiltersGroup[] = "//Group[@Name=\"Filters\"]";
 const char kRows[] = "Rows/R";
 
-// One attribute of a row: its text, or an empty text when it is absent.
+// One attribute of a row: its text, empty when the attribute is absent. An
+// attribute written with an empty value is the same as a missing one: the
+// XML layer gives both the same empty text, so "given" means "not empty".
 struct Attribute {
     CString text;
     bool present = false;
@@ -58,7 +60,7 @@ class RowAttributes {
         NodePtr node = m_attributes->getNamedItem(CString(name));
         if (node && node->m_pNode != nullptr) {
             attribute.text = node->gettext();
-            attribute.present = true;
+            attribute.present = !attribute.text.IsEmpty();
         }
         return attribute;
     }

@@ -61,7 +61,7 @@ RowAttribute SetupFile::Read(const CSmartPtr<IXMLDOMNode>& row, const char* name
     CSmartPtr<IXMLDOMNode> node = attributes->getNamedItem(CString(name));
     if (node && node->m_pNode != nullptr) {
         attribute.text = node->gettext().GetString();
-        attribute.present = true;
+        attribute.present = !attribute.text.empty();
     }
     return attribute;
 }

@@ -160,8 +160,8 @@ TEST(SetupLoader, SecondLoadRefreshesTextsButNotExpressions) {
     EXPECT_EQ(level.m_dDefault, 7.0);
     EXPECT_EQ(AllowedKeys(level), (std::vector<long>{1000, 1001, 1002}));
     EXPECT_EQ(level.m_lUserUnit, 1000);
-    // An empty AllowedUnits is an empty list, so UserUnit is read.
-    EXPECT_EQ(Item(102).m_lUserUnit, 1300);
+    // An empty AllowedUnits is a missing one, so UserUnit is not read.
+    EXPECT_EQ(Item(102).m_lUserUnit, -1);
     // Filter bits are only added.
     EXPECT_EQ(level.GetFilter(), 5);
     EXPECT_EQ(Item(102).GetFilter(), 1 | 8);
