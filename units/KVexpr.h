@@ -9,16 +9,11 @@ class CKVunit;
 extern char szDecimalSymbol;
 
 // Limits that replace fixed-size buffers: a longer name or number token makes
-// the evaluation fail.
+// the evaluation fail. Nothing else is limited: nesting of parentheses and
+// signs is bounded by memory alone, and the time spent is polynomial in the
+// length of the text.
 const int kExprMaxNameLength = 127;
 const int kExprMaxNumberLength = 23;
-// Nesting depth of parentheses and signs, and the number of nested
-// evaluations one call may start; beyond either the evaluation fails. They
-// bound the stack and the time spent on pathological texts (a failed
-// evaluation after a sign rescans the rest, which could otherwise take
-// exponential time).
-const int kExprMaxDepth = 200;
-const int kExprMaxEvaluations = 10000;
 
 // Evaluates expr, left to right without precedence. Both outputs are set to
 // null first; whatever they hold on return, also after a failure, belongs to

@@ -388,20 +388,84 @@ TEST_F(Expr, NameAndNumberLimits) {
     EXPECT_FALSE(Eval("1.00000000000000000000000").ok);
 }
 
-TEST_F(Expr, DeepNestingFailsCleanly) {
+// Nesting is bounded by memory only: deep texts give the designed result.
+TEST_F(Expr, DeepNestingEvaluates) {
     const int depth = 100000;
-    EXPECT_FALSE(Eval(std::string(depth, '(') + "m" + std::string(depth, ')')).ok);
-    Result shallow = Eval(std::string(50, '(') + "m" + std::string(50, ')'));
-    ASSERT_TRUE(shallow.ok && shallow.unit);
-    EXPECT_FALSE(Eval(std::string(100000, '-') + "5").ok);
+    Result deep = Eval(std::string(depth, '(') + "km" + std::string(depth, ')'));
+    ASSERT_TRUE(deep.ok && deep.unit);
+    EXPECT_EQ(deep.unit->m_dFactor, 1000.0);
+    EXPECT_FALSE(deep.value);
+    // Each '-' negates the rest: an even number of them gives 5 back.
+    Result signs = Eval(std::string(100000, '-') + "5");
+    ASSERT_TRUE(signs.ok && signs.value);
+    EXPECT_EQ(*signs.value, 5.0);
+    Result odd = Eval(std::string(99999, '-') + "5");
+    ASSERT_TRUE(odd.ok && odd.value);
+    EXPECT_EQ(*odd.value, -5.0);
+    // A missing ')' deep inside still fails.
+    EXPECT_FALSE(Eval(std::string(depth, '(') + "m" + std::string(depth - 1, ')')).ok);
 }
 
-TEST_F(Expr, FailingSignRunsEndWithinTheBudget) {
-    // Each failed right-hand side is rescanned after its sign; without the
-    // evaluation budget these texts would take exponential time.
+// Texts whose failed signs make the scan read the rest again: remembered
+// outcomes keep them quick, and they fail as designed.
+TEST_F(Expr, FailingSignRunsFail) {
     EXPECT_FALSE(Eval(std::string(60, '-') + "x").ok);
     EXPECT_FALSE(Eval("1" + std::string(60, '+') + "x").ok);
     EXPECT_FALSE(Eval(std::string(40, '(') + std::string(40, '-') + "x" + std::string(40, ')')).ok);
+    EXPECT_FALSE(Eval(std::string(200000, '-') + "x").ok);
+    EXPECT_FALSE(Eval("1" + std::string(200000, '+') + "x").ok);
+}
+
+// A megabyte of nested parentheses around a unit, and a megabyte of "+1"
+// terms after a unit.
+TEST_F(Expr, MegabyteTexts) {
+    const size_t pairs = 512 * 1024;
+    Result nested = Eval(std::string(pairs, '(') + "km" + std::string(pairs, ')'));
+    ASSERT_TRUE(nested.ok && nested.unit);
+    EXPECT_EQ(nested.unit->m_dFactor, 1000.0);
+    EXPECT_EQ(nested.unit->m_dOffset, 0.0);
+    EXPECT_EQ(Powers(*nested.unit), (std::vector<double>{1, 0, 0, 0, 0, 0, 0}));
+
+    const size_t terms = 512 * 1024;
+    std::string sum = "kelvin";
+    for (size_t i = 0; i < terms; ++i)
+        sum += "+1";
+    Result offset = Eval(sum);
+    ASSERT_TRUE(offset.ok && offset.unit);
+    EXPECT_EQ(offset.unit->m_dFactor, 1.0);
+    EXPECT_EQ(offset.unit->m_dOffset, static_cast<double>(terms));
+    EXPECT_FALSE(offset.value);
+}
+
+// Valid expressions that a cap on nesting or on nested evaluations used to
+// make fail.
+TEST_F(Expr, LongValidExpressions) {
+    std::string plusOnes = "kelvin";
+    for (int i = 0; i < 300; ++i)
+        plusOnes += "+1";
+    Result r = Eval(plusOnes);
+    ASSERT_TRUE(r.ok && r.unit);
+    EXPECT_EQ(r.unit->m_dOffset, 300.0);
+
+    Result nested = Eval(std::string(400, '(') + "h" + std::string(400, ')'));
+    ASSERT_TRUE(nested.ok && nested.unit);
+    EXPECT_EQ(nested.unit->m_dFactor, 3600.0);
+
+    std::string factors = "(m)";
+    for (int i = 1; i < 3000; ++i)
+        factors += "*(m)";
+    Result product = Eval(factors);
+    ASSERT_TRUE(product.ok && product.unit);
+    EXPECT_EQ(Powers(*product.unit), (std::vector<double>{3000, 0, 0, 0, 0, 0, 0}));
+    EXPECT_EQ(product.unit->m_dFactor, 1.0);
+
+    // Sign pairs before a number, and before a unit with an offset term.
+    Result pairs = Eval(std::string("+-+-+-+-+-+-+-+-") + "5");
+    ASSERT_TRUE(pairs.ok && pairs.value);
+    EXPECT_EQ(*pairs.value, 5.0);
+    Result unitPairs = Eval("kelvin" + std::string("+-+-+-+-+-+-") + "2");
+    ASSERT_TRUE(unitPairs.ok && unitPairs.unit);
+    EXPECT_EQ(unitPairs.unit->m_dOffset, 2.0);
 }
 
 TEST(ExprDecimalSymbol, TakenFromTheLocaleOnFirstUse) {
