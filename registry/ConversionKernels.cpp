@@ -2,10 +2,12 @@
 //
 // Per call one plan is made: how to divide by the target factor f2.
 //   Divide      a true division of every element.
-//   Multiply    f2 is a power of two whose reciprocal is a double: a / f2
-//               and a * (1 / f2) are the same exact value rounded once, in
-//               every rounding mode and for every a (zeros, infinities, NaN,
-//               results that overflow or are subnormal included).
+//   Multiply    f2 is a power of two whose reciprocal is a normal double:
+//               a / f2 and a * (1 / f2) are the same exact value rounded
+//               once, in every rounding mode and for every a (zeros,
+//               infinities, NaN, results that overflow or are subnormal
+//               included); under flush-to-zero and denormals-are-zero both
+//               see the same (normal) operands and flush the same result.
 //   Reciprocal  (the two Reciprocal variants) each quotient is computed with
 //               the reciprocal y = 1 / f2 and one correction step with fused
 //               multiply-adds (Markstein's method):
@@ -69,12 +71,15 @@ uint64_t Bits(double value) {
     return bits;
 }
 
-// True when f2 is a normal power of two: its reciprocal is then a power of
-// two within the range of doubles (2^-1023 for 2^1023 is subnormal but exact).
+// True when f2 is a power of two whose reciprocal is a normal double: f2 is
+// normal and |f2| < 2^1023. Then 1 / f2 is exact in every rounding mode, and
+// flush-to-zero and denormals-are-zero cannot change it. (The reciprocal of
+// +-2^1023 is the subnormal 2^-1023: flushed to zero, or read as zero, it
+// would turn every quotient into 0 or NaN; such a divisor is divided.)
 bool HasExactReciprocal(double f2) {
     const uint64_t bits = Bits(f2);
     const uint64_t exponent = (bits >> 52) & 0x7FF;
-    return (bits & 0xFFFFFFFFFFFFFull) == 0 && exponent != 0 && exponent != 0x7FF;
+    return (bits & 0xFFFFFFFFFFFFFull) == 0 && exponent != 0 && exponent < 0x7FE;
 }
 
 // Round to nearest, no flush-to-zero, no denormals-are-zero (the MXCSR bits

@@ -15,8 +15,9 @@
 //                     arrays the product alone, proven to round to the same
 //                     float); a true division for every element it does not
 //                     cover.
-// In every variant a divisor f2 that is a power of two is replaced by a
-// multiplication with its exact reciprocal (the same value, rounded once).
+// In every variant a divisor f2 that is a power of two with a normal
+// reciprocal is replaced by a multiplication with that exact reciprocal
+// (the same value, rounded once, in every floating-point environment).
 #pragma once
 
 // The instruction-set variants of the array loops.

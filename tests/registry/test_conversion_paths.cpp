@@ -568,6 +568,77 @@ TEST_P(ConversionPath, OtherFloatingPointModes) {
     }
 }
 
+// Factors at both ends of the double range, in every floating-point
+// environment a host may set (rounding modes, flush-to-zero,
+// denormals-are-zero and their combinations): no variant may use a
+// reciprocal or any other intermediate that such a mode changes. A divisor
+// of +-2^1023 has the subnormal reciprocal 2^-1023, which flush-to-zero and
+// denormals-are-zero turn into 0.
+TEST_P(ConversionPath, ExtremeFactorsInEveryEnvironment) {
+    const double max = std::numeric_limits<double>::max();
+    const double minNormal = std::numeric_limits<double>::min();
+    const double sub = std::numeric_limits<double>::denorm_min();
+    const double inf = std::numeric_limits<double>::infinity();
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    const double factors[] = {
+        0x1p1023,      -0x1p1023,   0x1p1022,  -0x1p1022, 0x1p1021,
+        0x1p-1022,     -0x1p-1022,  0x1p-1021, max,       -max,
+        0x1.8p1022,    0x1.8p-1022, 0x1p1020,  0x1p-960,  0x1.fffffffffffffp-961,
+        minNormal * 3, sub,         1.0,       0.3048};
+    const double offsets[] = {0.0, 1.0, -1e308, sub};
+    const double values[] = {0.0,
+                             -0.0,
+                             1.0,
+                             -1.0,
+                             0x1p1000,
+                             -0x1p1000,
+                             max,
+                             -max,
+                             minNormal,
+                             -minNormal,
+                             sub,
+                             -sub,
+                             0x1p-1050,
+                             inf,
+                             -inf,
+                             nan,
+                             1e-300,
+                             123.456,
+                             0x1p-20,
+                             3.0,
+                             -7.5,
+                             1e300,
+                             0x1.fffffffffffffp-1};
+    const unsigned modes[] = {0x0000u, 0x2000u, 0x4000u, 0x6000u, 0x8000u, 0x0040u,
+                              0x8040u, 0xA040u, 0xC040u, 0xE040u, 0x2040u, 0x4000u | 0x8000u};
+    std::vector<double> input;
+    // Every value at every position of a vector, several vectors long.
+    for (int copy = 0; copy < 3; ++copy)
+        for (double x : values)
+            input.push_back(x);
+    std::vector<float> floats;
+    for (double x : input)
+        floats.push_back(static_cast<float>(x));
+    for (unsigned mode : modes) {
+        _mm_setcsr((m_savedMxcsr & ~0xE040u) | mode);
+        for (double f2 : factors) {
+            for (double f1 : {1.0, f2, 0x1p1023, 0x1p-1022, 0.5}) {
+                for (double offset : offsets) {
+                    const XunConversion_ c{f1, offset, 0.0, f2};
+                    ASSERT_TRUE(Check(c, input.data(), input.size(), -9999.0))
+                        << "MXCSR mode " << mode;
+                    ASSERT_TRUE(Check(c, floats.data(), floats.size(), -9999.0f))
+                        << "MXCSR mode " << mode;
+                    for (size_t start : {1, 3})
+                        ASSERT_TRUE(Check(c, input.data(), input.size() - start, 1.0, start))
+                            << "MXCSR mode " << mode;
+                }
+            }
+        }
+        _mm_setcsr(m_savedMxcsr);
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Variants, ConversionPath,
                          testing::Values(Path::Baseline, Path::Avx2, Path::Avx2Reciprocal,
                                          Path::Avx512, Path::Avx512Reciprocal),
