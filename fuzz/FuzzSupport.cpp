@@ -12,10 +12,8 @@
 #include <sys/socket.h>
 #include <unistd.h>
 
-#include "registry/FilterRegistry.h"
-#include "registry/ItemTypeRegistry.h"
-#include "registry/UnitRegistry.h"
-#include "units/KVassert.h"
+#include "registry/Registries.h"
+#include "common/Assert.h"
 #include "xun.h"
 
 #ifndef XUN_SOURCE_DIR
@@ -50,7 +48,7 @@ void RemoveTempDir() {
 }
 
 bool Loads(const std::string& path) {
-    return xunSetupLoad(path.c_str()) == 1 && !UnitList_.empty();
+    return xunSetupLoad(path.c_str()) == 1 && xunRegistries_().units.Count() != 0;
 }
 
 } // namespace
@@ -132,77 +130,10 @@ std::string xunFuzzLoadInstallation() {
 }
 
 void xunFuzzClearRegistries() {
-    std::set<long> itemKeys, filterKeys, unitKeys;
-    std::set<std::string> itemIdents, filterIdents, unitIdents;
-
-    // Item types first: they point to units. Each holds the dimension that
-    // the setup loader allocated for it.
-    std::set<CKVitemType*> items(ItemTypeList_.begin(), ItemTypeList_.end());
-    for (const auto& entry : ItemTypeMap_)
-        items.insert(entry.second);
-    for (const auto& entry : ItemTypeStringMap_)
-        items.insert(entry.second);
-    items.erase(nullptr);
-    ItemTypeList_.clear();
-    ItemTypeMap_.clear();
-    ItemTypeStringMap_.clear();
-    for (CKVitemType* item : items) {
-        itemKeys.insert(item->m_nNumId);
-        itemIdents.insert(item->m_strIdent);
-        delete item->m_pDimension;
-        delete item;
-    }
-
-    std::set<CKVfilter*> filters(FilterList_.begin(), FilterList_.end());
-    for (const auto& entry : FilterMap_)
-        filters.insert(entry.second);
-    for (const auto& entry : FilterStringMap_)
-        filters.insert(entry.second);
-    filters.erase(nullptr);
-    FilterList_.clear();
-    FilterMap_.clear();
-    FilterStringMap_.clear();
-    for (CKVfilter* filter : filters) {
-        filterKeys.insert(filter->m_lKey);
-        filterIdents.insert(filter->m_strIdent);
-        delete filter;
-    }
-    ProductFilter_ = 0x7FFFFFFFL;
-
-    // Units go through the registry's own removal, which keeps its lookup
-    // indexes in step.
-    while (!UnitList_.empty()) {
-        CKVunit* unit = UnitList_.front();
-        if (unit == nullptr) {
-            UnitList_.pop_front();
-            continue;
-        }
-        unitKeys.insert(unit->m_lKey);
-        unitIdents.insert(unit->m_strIdent);
-        xunRemoveUnit_(unit);
-        if (!UnitList_.empty() && UnitList_.front() == unit)
-            xunFuzzFail("xunRemoveUnit_ left the unit in the list");
-        delete unit;
-    }
-    if (!UnitMap_.empty() || !UnitStringMap_.empty())
-        xunFuzzFail("units left in the unit maps after the list was emptied");
-
-    for (long key : unitKeys)
-        if (xunFindUnitByKey_(key) != nullptr)
-            xunFuzzFail("a removed unit is still found by its key");
-    for (const std::string& ident : unitIdents)
-        if (xunFindUnitByIdent_(ident) != nullptr)
-            xunFuzzFail("a removed unit is still found by its ident");
-    for (long key : itemKeys)
-        if (xunFindItemTypeByKey_(key) != nullptr)
-            xunFuzzFail("a removed item type is still found by its key");
-    for (const std::string& ident : itemIdents)
-        if (xunFindItemTypeByIdent_(ident) != nullptr)
-            xunFuzzFail("a removed item type is still found by its ident");
-    for (long key : filterKeys)
-        if (xunFindFilterByKey_(key) != nullptr)
-            xunFuzzFail("a removed filter is still found by its key");
-    for (const std::string& ident : filterIdents)
-        if (xunFindFilterByIdent_(ident) != nullptr)
-            xunFuzzFail("a removed filter is still found by its ident");
+    xunResetRegistries_();
+    xunSetProductFilter_(xun::contract::kInitialProductFilter);
+    const CKVregistries& registries = xunRegistries_();
+    if (registries.units.Count() != 0 || registries.itemTypes.Count() != 0 ||
+        registries.filters.Count() != 0)
+        xunFuzzFail("the registry is not empty after a reset");
 }

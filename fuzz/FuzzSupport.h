@@ -38,12 +38,9 @@ std::string xunFuzzWriteFile(const char* name, const uint8_t* data, size_t size)
 // installation fuzz/fixture/XUN.xml. Returns the file used.
 std::string xunFuzzLoadInstallation();
 
-// Empties the unit, item-type and filter registries and deletes what they own
-// (an item type's dimension, which the setup loader allocates for it,
-// included), and resets the product filter. Only the setup target, whose
-// registries start empty for every input, calls it. Aborts when a removed
-// unit, item type or filter can still be found afterwards (the reset no
-// longer matches the registries).
+// Replaces the registry with an empty one (freeing everything the old one
+// owns) and resets the product filter. Only the setup target, whose
+// registries start empty for every input, calls it.
 void xunFuzzClearRegistries();
 
 // Ends the process with a message: a check of a target failed.

@@ -10,7 +10,8 @@
 #include <vector>
 
 #include "FuzzSupport.h"
-#include "registry/UnitRegistry.h"
+#include "registry/Registries.h"
+#include "units/KVderived.h"
 #include "units/KVexpr.h"
 #include "units/KVunit.h"
 #include "xun.h"
@@ -25,28 +26,30 @@ const char kFuzzIdent[] = "FuzzExpressionUnit";
 // each base dimension and of no dimension.
 std::vector<int> ReferenceTags_;
 
-// Registers the unit for the lifetime of this object.
+// Registers the unit for the lifetime of this object, then takes it back.
 class TemporaryRegistration {
   public:
-    explicit TemporaryRegistration(CKVunit& unit) : m_unit(unit) {
-        m_registered = AddUnit_(unit, 0) == 1;
+    explicit TemporaryRegistration(std::unique_ptr<CKVunit>& unit)
+        : m_unit(unit), m_raw(unit.get()) {
+        m_registered = xunRegistries_().units.Add(unit, false);
     }
     ~TemporaryRegistration() {
         if (m_registered)
-            xunRemoveUnit_(&m_unit);
+            m_unit = xunRegistries_().units.Remove(m_raw);
     }
     TemporaryRegistration(const TemporaryRegistration&) = delete;
     TemporaryRegistration& operator=(const TemporaryRegistration&) = delete;
     bool registered() const { return m_registered; }
 
   private:
-    CKVunit& m_unit;
+    std::unique_ptr<CKVunit>& m_unit;
+    const CKVunit* m_raw;
     bool m_registered = false;
 };
 
-void Exercise(CKVunit& unit, double number) {
-    unit.m_strIdent = kFuzzIdent;
-    unit.m_lKey = kFuzzKey;
+void Exercise(std::unique_ptr<CKVunit>& unit, double number) {
+    unit->m_strIdent = kFuzzIdent;
+    unit->m_lKey = kFuzzKey;
     TemporaryRegistration registration(unit);
     if (!registration.registered())
         xunFuzzFail("the evaluated unit could not be registered");
@@ -95,7 +98,7 @@ extern "C" int LLVMFuzzerInitialize(int*, char***) {
                                   &CKVdimension::GetTemp(),   &CKVdimension::GetCurr(),
                                   &CKVdimension::GetSubs(),   &CKVdimension::GetLumi()};
     for (const CKVdimension* dim : dims)
-        if (const CKVunit* unit = xunFirstEqvUnit_(*dim))
+        if (const CKVunit* unit = xunFirstUnitOfDimension_(xunRegistries_().units, *dim))
             ReferenceTags_.push_back(static_cast<int>(unit->m_lKey));
     return 0;
 }
@@ -116,7 +119,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     std::unique_ptr<double> value(rawValue);
     if (ok && unit) {
         try {
-            Exercise(*unit, value ? *value : 1.5);
+            Exercise(unit, value ? *value : 1.5);
         } catch (const XunFuzzAssertion&) {
         }
     }

@@ -11,9 +11,7 @@
 #include <vector>
 
 #include "FuzzSupport.h"
-#include "registry/FilterRegistry.h"
-#include "registry/ItemTypeRegistry.h"
-#include "registry/UnitRegistry.h"
+#include "registry/Registries.h"
 #include "xun.h"
 
 namespace {
@@ -27,8 +25,8 @@ void FreeList(char* list) {
 
 void WalkUnits() {
     std::vector<int> tags;
-    for (const CKVunit* unit : UnitList_)
-        if (unit != nullptr && tags.size() < kMaxWalked)
+    for (const CKVunit* unit : xunRegistries_().units)
+        if (tags.size() < kMaxWalked)
             tags.push_back(static_cast<int>(unit->m_lKey));
     for (int tag : tags) {
         const char* text = nullptr;
@@ -50,8 +48,8 @@ void WalkUnits() {
 
 void WalkItemTypes() {
     std::vector<int> keys;
-    for (const CKVitemType* item : ItemTypeList_)
-        if (item != nullptr && keys.size() < kMaxWalked)
+    for (const CKVitemType* item : xunRegistries_().itemTypes)
+        if (keys.size() < kMaxWalked)
             keys.push_back(static_cast<int>(item->m_nNumId));
     for (int key : keys) {
         const char* text = nullptr;
@@ -73,8 +71,8 @@ void WalkItemTypes() {
 
 void WalkFilters() {
     std::vector<int> bits;
-    for (const CKVfilter* filter : FilterList_)
-        if (filter != nullptr && bits.size() < kMaxWalked)
+    for (const CKVfilter* filter : xunRegistries_().filters)
+        if (bits.size() < kMaxWalked)
             bits.push_back(static_cast<int>(filter->m_lKey));
     for (int bit : bits) {
         const char* text = nullptr;

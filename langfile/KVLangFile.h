@@ -32,6 +32,9 @@
 #include <map>
 #include <string>
 #include <utility>
+#include <vector>
+
+#include "common/LoadReport.h"
 
 class CKVLangFile {
   public:
@@ -71,10 +74,42 @@ class CKVLangFile {
     std::string LoadUnitString(int key, int which);
     bool CloseLangUnitFile();
 
+    // Reports what the readers meet to report (a check, or an observed
+    // load), naming the file fileName; before the open functions. Then a
+    // duplicate type key is reported as the end of the process (which, but
+    // in a check, it is) and, in a check, skipped.
+    void SetReport(CXunLoadReport* report, const std::string& fileName);
+    // Whether the open file holds a text for key, so that a caller can tell
+    // before LoadTypeString or LoadUnitString would stop the process.
+    bool HasTypeKey(int key) const { return m_xunTypeMap.count(key) != 0; }
+    bool HasUnitKey(int key) const { return m_xunUnitMap.count(key) != 0; }
+    // The line of the END line, else the last line read (for reports about
+    // the whole list).
+    long EndLine() const { return m_nEndLine != 0 ? m_nEndLine : m_nLastLine; }
+
     FILE* m_pUnitFile;
     FILE* m_pTypeFile;
     std::map<int, std::string> m_xunTypeMap;
     std::map<int, std::string>::iterator m_TypeIterator;
     std::map<int, std::pair<std::string, std::string>> m_xunUnitMap;
     std::map<int, std::pair<std::string, std::string>>::iterator m_UnitIterator;
+
+  private:
+    struct Read;
+    bool ReadLine(FILE* file, char (&line)[xun::contract::kLangLineBufferSize], Read& read);
+    void CheckText(const char* line, long lineNumber, int scanned, int key, bool longLine,
+                   const char* format);
+    void Report(long line, const std::string& message, bool warning = false);
+
+    CXunLoadReport* m_pReport = nullptr;
+    std::string m_strFileName;
+    long m_nNextLine = 1;    // the physical line the next read starts on
+    bool m_bInLongLine = false;
+    long m_nLastLine = 0;
+    long m_nEndLine = 0;
+    // Where each key was read (for reports).
+    std::map<int, long> m_keyLines;
+    // Reports of one unit entry, given out in line order once it is read.
+    bool m_bHolding = false;
+    std::vector<std::pair<long, std::string>> m_held;
 };

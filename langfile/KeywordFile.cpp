@@ -21,6 +21,7 @@ class CLrxKeyword {
   public:
     std::string m_strName;
     std::vector<CLrxParam> m_Params;
+    int m_nLine = 0; // the line of the file it stands on
 };
 
 // Positions of the elements of each name, in file order: the num-th element
@@ -212,7 +213,7 @@ void AddToIndex_(CLrxNameIndex& index, const std::string& name, size_t position)
 }
 
 // Adds one line (already trimmed) to the file being read.
-void ParseLine_(CLrxFile& file, const std::string& line) {
+void ParseLine_(CLrxFile& file, const std::string& line, size_t lineNumber) {
     if (line.empty() || line[0] == '#' || line[0] == ';')
         return;
     if (line[0] == '[') {
@@ -240,6 +241,7 @@ void ParseLine_(CLrxFile& file, const std::string& line) {
     if (file.m_Sections.empty())
         throw LrxSyntaxError_{"keyword before the first section"};
     keyword.m_Params = ParseParams_(line.substr(equals + 1));
+    keyword.m_nLine = static_cast<int>(lineNumber);
     CLrxSection& section = file.m_Sections.back();
     section.m_Keywords.push_back(keyword);
     AddToIndex_(section.m_Index, keyword.m_strName, section.m_Keywords.size() - 1);
@@ -285,7 +287,7 @@ CLrxFile* Load_(const std::string& name) {
         if (end == std::string::npos)
             end = content.size();
         try {
-            ParseLine_(file, TrimLine_(content.substr(begin, end - begin)));
+            ParseLine_(file, TrimLine_(content.substr(begin, end - begin)), lineNumber);
         } catch (const LrxSyntaxError_& error) {
             SetError_(name + ":" + std::to_string(lineNumber) + ": " + error.reason);
             return nullptr;
@@ -371,4 +373,8 @@ void lrxClose(CLrxFile** file) noexcept {
 
 const char* lrxGetErrorGlb() noexcept {
     return LrxErrorText_;
+}
+
+int lrxKeywordLine(const CLrxKeyword* keyword) noexcept {
+    return keyword != nullptr ? keyword->m_nLine : 0;
 }

@@ -98,6 +98,9 @@ double lrxGetReal(const CLrxParam* param) noexcept;
 // real parameter or for null. The text lives as long as the loaded file.
 const char* lrxGetText(const CLrxParam* param) noexcept;
 
+// The line of the file on which the keyword stands (from 1); 0 for null.
+int lrxKeywordLine(const CLrxKeyword* keyword) noexcept;
+
 // Releases a loaded file and sets *file to null; every section, keyword and
 // parameter handle of it becomes invalid. Does nothing when file or *file is
 // null.

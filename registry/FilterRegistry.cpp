@@ -1,27 +1,32 @@
 #include "registry/FilterRegistry.h"
 
-CKVfilterList FilterList_;
-CKVfilterMap FilterMap_;
-CKVfilterStringMap FilterStringMap_;
-long ProductFilter_ = 0x7FFFFFFFL;
+#include <atomic>
+#include <climits>
 
-CKVfilter* xunFindFilterByKey_(long bit) {
-    CKVfilterMap::const_iterator it = FilterMap_.find(bit);
-    return it == FilterMap_.end() ? nullptr : it->second;
+#include "common/Contract.h"
+
+namespace {
+std::atomic<long> ProductFilter_{xun::contract::kInitialProductFilter};
+} // namespace
+
+bool CKVfilterRegistry::NextBit(long& bit) const {
+    bit = 1;
+    for (const CKVfilter* filter : m_table) {
+        if (filter->m_lKey == xun::contract::kSkippedFilterBit)
+            continue;
+        while (bit <= filter->m_lKey) {
+            if (bit > LONG_MAX / 2)
+                return false;
+            bit *= 2;
+        }
+    }
+    return true;
 }
 
-CKVfilter* xunFindFilterByIdent_(const std::string& ident) {
-    CKVfilterStringMap::const_iterator it = FilterStringMap_.find(ident);
-    return it == FilterStringMap_.end() ? nullptr : it->second;
+long xunProductFilter_() {
+    return ProductFilter_.load(std::memory_order_relaxed);
 }
 
-int AddFilter_(CKVfilter& filter) {
-    const long bit = filter.m_lKey;
-    const std::string& ident = filter.m_strIdent;
-    if (xunFindFilterByKey_(bit) != nullptr || xunFindFilterByIdent_(ident) != nullptr)
-        return 0;
-    FilterList_.push_back(&filter);
-    FilterMap_[bit] = &filter;
-    FilterStringMap_[ident] = &filter;
-    return 1;
+void xunSetProductFilter_(long filter) {
+    ProductFilter_.store(filter, std::memory_order_relaxed);
 }

@@ -1,34 +1,52 @@
-// The process-wide filter registry (a list in registration order, a map bit
-// value -> filter and a map ident -> filter, always holding the same
-// filters) and the product filter. The registry owns the filters until the
-// process ends.
+// CKVfilterRegistry: the filters of a registry - in registration order,
+// found by bit value (their key) and by ident, owned by the registry. And
+// the process-wide product filter, which the library only keeps for its
+// clients.
 #pragma once
 
-#include <map>
+#include <cstddef>
+#include <memory>
 #include <string>
+#include <string_view>
 
 #include "registry/KVfilter.h"
+#include "registry/Table.h"
 
-typedef std::map<long, CKVfilter*> CKVfilterMap;
-typedef std::map<std::string, CKVfilter*> CKVfilterStringMap;
+inline long XunKeyOf(const CKVfilter& filter) {
+    return filter.m_lKey;
+}
+inline const std::string& XunIdentOf(const CKVfilter& filter) {
+    return filter.m_strIdent;
+}
 
-extern CKVfilterList FilterList_;
-extern CKVfilterMap FilterMap_;
-extern CKVfilterStringMap FilterStringMap_;
+class CKVfilterRegistry {
+  public:
+    CKVfilterRegistry() = default;
+    CKVfilterRegistry(const CKVfilterRegistry&) = delete;
+    CKVfilterRegistry& operator=(const CKVfilterRegistry&) = delete;
 
-// The product filter, kept for clients: initially bits 0 to 30 set.
-extern long ProductFilter_;
+    // Registers a filter (appended) under its bit value and its ident, and
+    // takes it over. Returns false and changes nothing when either is taken.
+    bool Add(std::unique_ptr<CKVfilter>& filter) { return m_table.Add(filter); }
 
-// The flyby filter bit (bit 31); negative when passed as int.
-const long FlybyFilter_ = 0x80000000L;
-// A filter of this bit value is left out when the next free bit is chosen.
-const long SkippedFilterBit_ = 0x40000000L;
+    CKVfilter* FindByKey(long bit) const { return m_table.FindByKey(bit); }
+    CKVfilter* FindByIdent(std::string_view ident) const { return m_table.FindByIdent(ident); }
+    std::size_t Count() const { return m_table.Count(); }
+    CKVfilter* At(std::size_t index) const { return m_table.At(index); }
+    auto begin() const { return m_table.begin(); }
+    auto end() const { return m_table.end(); }
 
-// Registers a filter under its bit value and its ident, appended to the list.
-// Returns 0 and changes nothing when the bit value or the ident is taken.
-int AddFilter_(CKVfilter& filter);
+    // The bit for a filter created at run time: the smallest power of two,
+    // reached by doubling from 1, above every registered bit value (a filter
+    // of bit value 0x40000000 does not count). False when no such bit fits.
+    bool NextBit(long& bit) const;
 
-// Lookups that never insert; null for an unknown bit value or ident (or an
-// entry that holds no filter).
-CKVfilter* xunFindFilterByKey_(long bit);
-CKVfilter* xunFindFilterByIdent_(const std::string& ident);
+    void CheckInvariants() const { m_table.CheckInvariants("filter registry"); }
+
+  private:
+    CKVtable<CKVfilter> m_table;
+};
+
+// The product filter: 0x7FFFFFFF until the first xunSetProductFilter.
+long xunProductFilter_();
+void xunSetProductFilter_(long filter);

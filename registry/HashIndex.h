@@ -50,8 +50,10 @@ template <class Key, class Value> class CKVhashIndex {
     }
 
     // Stores value for key, replacing the value of a key already present.
-    // For pointer values, value must not be null.
-    void Set(const Key& key, const Value& value) {
+    // For pointer values, value must not be null. After Reserve(Size() + 1)
+    // it allocates nothing for a key that is moved in.
+    void Set(const Key& key, const Value& value) { Set(Key(key), value); }
+    void Set(Key&& key, const Value& value) {
         if (2 * (m_count + 1) > m_slots.size())
             Grow();
         size_t i = Home(key);
@@ -62,9 +64,16 @@ template <class Key, class Value> class CKVhashIndex {
             }
         }
         m_slots[i].Take();
-        m_slots[i].key = key;
+        m_slots[i].key = std::move(key);
         m_slots[i].value = value;
         ++m_count;
+    }
+
+    // Makes room for count entries, so that adding entries up to that many
+    // allocates nothing.
+    void Reserve(size_t count) {
+        while (2 * count > m_slots.size())
+            Grow();
     }
 
     // Removes key if present.
@@ -119,19 +128,27 @@ template <class Key, class Value> class CKVhashIndex {
         return static_cast<size_t>(CKVindexHash()(key) >> m_shift);
     }
 
+    // Doubles the table. The new slots are allocated before anything moves,
+    // and moving an entry cannot fail, so a failed allocation leaves the
+    // index as it was.
     void Grow() {
-        std::vector<Slot> old;
-        old.swap(m_slots);
-        const size_t capacity = old.empty() ? 16 : 2 * old.size();
-        m_slots.resize(capacity);
-        m_mask = capacity - 1;
-        m_shift = 64;
+        const size_t capacity = m_slots.empty() ? 16 : 2 * m_slots.size();
+        std::vector<Slot> slots(capacity);
+        unsigned shift = 64;
         for (size_t c = capacity; c > 1; c >>= 1)
-            --m_shift;
-        m_count = 0;
-        for (Slot& slot : old)
-            if (slot.Used())
-                Set(slot.key, slot.value);
+            --shift;
+        const size_t mask = capacity - 1;
+        for (Slot& slot : m_slots) {
+            if (!slot.Used())
+                continue;
+            size_t i = static_cast<size_t>(CKVindexHash()(slot.key) >> shift);
+            while (slots[i].Used())
+                i = (i + 1) & mask;
+            slots[i] = std::move(slot);
+        }
+        m_slots.swap(slots);
+        m_mask = mask;
+        m_shift = shift;
     }
 
     std::vector<Slot> m_slots;

@@ -3,18 +3,16 @@
 #include <cstdio>
 #include <string>
 
-#include "registry/FilterRegistry.h"
-#include "registry/ItemTypeRegistry.h"
-#include "registry/UnitRegistry.h"
-#include "units/KVassert.h"
-#include "xun.h"
+#include "registry/IncludeWriter.h"
+
+#include "common/Assert.h"
+
+using namespace xun::contract;
 
 namespace {
 
+// The writer's source name, written into the headers.
 const char kSource[] = "KVitemType";
-const char kWriteIncludes[] =
-    "void CKVitemTypeList::WriteIncludes(const CKVunitList *, const CKVfilterList *)";
-const char kWriteAllowedUnits[] = "void CKVitemTypeList::WriteAllowedUnits()";
 
 // The build stamp: the date ("Mmm dd yyyy") and time ("hh:mm:ss") at which
 // this file was compiled.
@@ -31,7 +29,7 @@ class IncludeFiles {
         : m_c(std::fopen("xunDefine.c__", "w")), m_pascal(std::fopen("xunDefine.p__", "w")),
           m_fortran(std::fopen("xunDefine.f__", "w")), m_cs(std::fopen("xunDefine.cs", "w")) {
         XUN_ASSERT(m_c != nullptr && m_pascal != nullptr && m_fortran != nullptr && m_cs != nullptr,
-                   "0", kSource, __LINE__, kWriteIncludes);
+                   kIncludeFileOpen);
     }
     ~IncludeFiles() {
         std::fclose(m_c);
@@ -109,57 +107,53 @@ class IncludeFiles {
 
 } // namespace
 
-void CKVitemTypeList::WriteIncludes(const CKVunitList* units, const CKVfilterList* filters) {
+void xunWriteIncludes_(const CKVregistries& registries, bool withUnits, bool withFilters) {
     IncludeFiles files;
     files.Headers();
-    for (const CKVitemType* item : *this) {
-        XUN_ASSERT(item != nullptr, "It", kSource, __LINE__, kWriteIncludes);
+    for (const CKVitemType* item : registries.itemTypes) {
+        XUN_ASSERT(item != nullptr, kIncludeItemNull);
         files.Entry(item->m_strIdent, item->m_nNumId, item->m_strKey);
     }
     files.CloseEnum();
-    if (units != nullptr) {
+    if (withUnits) {
         files.Banner("===== Engineering units =====");
         files.CsNewline();
         files.EnumPreamble("///.NET XUN Unit definitions", "5C2E7A01-91D4-4b3f-A6E8-3D0F71B94C2A",
                            "xunUnit");
-        for (const CKVunit* unit : *units) {
-            XUN_ASSERT(unit != nullptr, "Un", kSource, __LINE__, kWriteIncludes);
+        for (const CKVunit* unit : registries.units) {
+            XUN_ASSERT(unit != nullptr, kIncludeUnitNull);
             files.Entry(unit->m_strIdent, unit->m_lKey, unit->m_strDesc);
         }
     }
+    // Closed also without units, which leaves an extra closing brace.
     files.CloseEnum();
-    if (filters != nullptr) {
+    if (withFilters) {
         files.Banner("===== Filters =====");
         files.EnumPreamble("///.NET XUN Filter definitions", "5C2E7A02-91D4-4b3f-A6E8-3D0F71B94C2A",
                            "xunFilter");
-        for (const CKVfilter* filter : *filters) {
-            XUN_ASSERT(filter != nullptr, "Ft", kSource, __LINE__, kWriteIncludes);
+        for (const CKVfilter* filter : registries.filters) {
+            XUN_ASSERT(filter != nullptr, kIncludeFilterNull);
             files.Entry(filter->m_strIdent, static_cast<long>(*filter), filter->m_strKey);
         }
     }
     files.Trailers();
 }
 
-void CKVitemTypeList::WriteAllowedUnits() {
+void xunWriteAllowedUnits_(const CKVregistries& registries) {
     FILE* report = std::fopen("xunAllowedUnits.HTML", "w");
-    XUN_ASSERT(report != nullptr, "0", kSource, __LINE__, kWriteAllowedUnits);
+    XUN_ASSERT(report != nullptr, kReportFileOpen);
     std::fputs("<Pre>\n", report);
     std::fprintf(report, "%s\n", "Definitions of the Korvane item types and allowed units.");
     std::fprintf(report, "%s\n\n", CreationLine().c_str());
-    for (CKVitemType* item : *this) {
-        XUN_ASSERT(item != nullptr, "It", kSource, __LINE__, kWriteAllowedUnits);
+    for (const CKVitemType* item : registries.itemTypes) {
+        XUN_ASSERT(item != nullptr, kReportItemNull);
         std::fprintf(report, "\nitem: %-20s %10d   %s \n", item->m_strIdent.c_str(),
                      static_cast<int>(item->m_nNumId), item->m_strKey.c_str());
         for (const CKVunit* unit : item->GetUnitList()) {
-            XUN_ASSERT(unit != nullptr, "Un", kSource, __LINE__, kWriteAllowedUnits);
+            XUN_ASSERT(unit != nullptr, kReportUnitNull);
             std::fprintf(report, "      %-20s %10d   %s \n", unit->m_strIdent.c_str(),
                          static_cast<int>(unit->m_lKey), unit->m_strDesc.c_str());
         }
     }
     std::fclose(report);
-}
-
-extern "C" void xunWriteItemTypeIncludes(void) {
-    ItemTypeList_.WriteIncludes(&UnitList_, &FilterList_);
-    ItemTypeList_.WriteAllowedUnits();
 }

@@ -1,25 +1,40 @@
 #include "registry/ItemTypeRegistry.h"
 
-CKVitemTypeList ItemTypeList_;
-CKVitemTypeMap ItemTypeMap_;
-CKVitemTypeStringMap ItemTypeStringMap_;
+#include <climits>
+#include <stdexcept>
 
-CKVitemType* xunFindItemTypeByKey_(long key) {
-    CKVitemTypeMap::const_iterator it = ItemTypeMap_.find(key);
-    return it == ItemTypeMap_.end() ? nullptr : it->second;
+#include "common/Contract.h"
+
+bool CKVitemTypeRegistry::Add(std::unique_ptr<CKVitemType>& item,
+                              std::unique_ptr<CKVdimension>& dimension) {
+    if (dimension)
+        m_dimensions.reserve(m_dimensions.size() + 1);
+    if (!m_table.Add(item))
+        return false;
+    if (dimension)
+        m_dimensions.push_back(std::move(dimension));
+    return true;
 }
 
-CKVitemType* xunFindItemTypeByIdent_(const std::string& ident) {
-    CKVitemTypeStringMap::const_iterator it = ItemTypeStringMap_.find(ident);
-    return it == ItemTypeStringMap_.end() ? nullptr : it->second;
+bool CKVitemTypeRegistry::NextRunTimeKey(long& key) const {
+    key = xun::contract::kFirstRunTimeItemTypeKey;
+    for (const CKVitemType* item : m_table) {
+        if (item->m_nNumId < key)
+            continue;
+        if (item->m_nNumId >= INT_MAX)
+            return false;
+        key = item->m_nNumId + 1;
+    }
+    return true;
 }
 
-int AddItemType_(long key, CKVitemType& item) {
-    const std::string& ident = item.m_strIdent;
-    if (xunFindItemTypeByKey_(key) != nullptr || xunFindItemTypeByIdent_(ident) != nullptr)
-        return 0;
-    ItemTypeList_.push_back(&item);
-    ItemTypeMap_[key] = &item;
-    ItemTypeStringMap_[ident] = &item;
-    return 1;
+void CKVitemTypeRegistry::CheckInvariants() const {
+    m_table.CheckInvariants("item-type registry");
+    for (const CKVitemType* item : m_table) {
+        if (item->m_pDimension == nullptr)
+            throw std::logic_error("item-type registry: an item type without a dimension");
+        for (const CKVunit* unit : item->m_lstUnits)
+            if (unit == nullptr)
+                throw std::logic_error("item-type registry: a null allowed unit");
+    }
 }

@@ -1,32 +1,55 @@
-// The process-wide item-type registry: three containers that always hold the
-// same item types - a list in registration order, a map key -> item type and
-// a map ident -> item type. The registry owns the item types until the
-// process ends.
+// CKVitemTypeRegistry: the item types of a registry - in registration order,
+// found by numeric key and by ident, owned by the registry together with the
+// dimension each item type was given.
+//
+// Lookups and walks only read; adding and changing item types (user unit,
+// allowed units, filter mask, texts) must run alone.
 #pragma once
 
-#include <map>
+#include <cstddef>
+#include <memory>
 #include <string>
+#include <string_view>
+#include <vector>
 
 #include "registry/KVitemType.h"
+#include "registry/Table.h"
 
-typedef std::map<long, CKVitemType*> CKVitemTypeMap;
-typedef std::map<std::string, CKVitemType*> CKVitemTypeStringMap;
+inline long XunKeyOf(const CKVitemType& item) {
+    return item.m_nNumId;
+}
+inline const std::string& XunIdentOf(const CKVitemType& item) {
+    return item.m_strIdent;
+}
 
-extern CKVitemTypeList ItemTypeList_;
-extern CKVitemTypeMap ItemTypeMap_;
-extern CKVitemTypeStringMap ItemTypeStringMap_;
+class CKVitemTypeRegistry {
+  public:
+    CKVitemTypeRegistry() = default;
+    CKVitemTypeRegistry(const CKVitemTypeRegistry&) = delete;
+    CKVitemTypeRegistry& operator=(const CKVitemTypeRegistry&) = delete;
 
-// The reserved any-unit item type: every registered unit is allowed for it.
-const long AnyUnitItemType_ = 999;
-// Item types created at run time get keys from this value up.
-const long FirstRunTimeItemType_ = 110000;
+    // Registers an item type (appended) under its key and ident, and takes
+    // it over together with its dimension (which may be null when the item
+    // type points to a dimension owned elsewhere). Returns false and changes
+    // nothing (both stay with the caller) when the key or the ident is taken.
+    bool Add(std::unique_ptr<CKVitemType>& item, std::unique_ptr<CKVdimension>& dimension);
 
-// Registers an item type under key (the item's own key) and its ident,
-// appended to the list. Returns 0 and changes nothing when the key or the
-// ident is taken.
-int AddItemType_(long key, CKVitemType& item);
+    CKVitemType* FindByKey(long key) const { return m_table.FindByKey(key); }
+    CKVitemType* FindByIdent(std::string_view ident) const { return m_table.FindByIdent(ident); }
+    std::size_t Count() const { return m_table.Count(); }
+    CKVitemType* At(std::size_t index) const { return m_table.At(index); }
+    auto begin() const { return m_table.begin(); }
+    auto end() const { return m_table.end(); }
 
-// Lookups that never insert; null for an unknown key or ident (or an entry
-// that holds no item type).
-CKVitemType* xunFindItemTypeByKey_(long key);
-CKVitemType* xunFindItemTypeByIdent_(const std::string& ident);
+    // The key for an item type created at run time: one above the largest
+    // key in use, at least 110000. False when the largest key leaves no room
+    // in the interface's int.
+    bool NextRunTimeKey(long& key) const;
+
+    // Throws std::logic_error naming the first broken invariant.
+    void CheckInvariants() const;
+
+  private:
+    CKVtable<CKVitemType> m_table;
+    std::vector<std::unique_ptr<CKVdimension>> m_dimensions;
+};

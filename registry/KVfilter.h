@@ -2,7 +2,6 @@
 // belongs to the filter when its filter mask has that bit set.
 #pragma once
 
-#include <list>
 #include <string>
 
 class CKVfilter {
@@ -20,5 +19,3 @@ class CKVfilter {
     long m_lKey;            // the bit value
 };
 
-// The list type of the filter registry, in registration order.
-typedef std::list<CKVfilter*> CKVfilterList;

@@ -1,24 +1,18 @@
 #include "registry/KVitemType.h"
 
-#include "units/KVassert.h"
+#include "common/Assert.h"
 
-namespace {
-const char kSource[] = "KVitemType";
-const char kAllowUnit[] = "bool CKVitemType::AllowUnit(CKVunit &, bool)";
-const char kGetUnit[] = "const CKVunit *CKVitemType::GetUnit(long) const";
-const char kGetItemUserUnit[] = "int CKVitemType::GetItemUserUnit()";
-const char kAssertValid[] = "void CKVitemType::AssertValid() const";
-} // namespace
+using namespace xun::contract;
 
 CKVitemType::CKVitemType(const std::string& keyText, long key, const std::string& ident,
                          const CKVdimension& dimension)
     : m_strKey(keyText), m_nNumId(key), m_lUserUnit(-1), m_strIdent(ident),
       m_pDimension(&dimension), m_lFilter(0), m_nFileItem(1), m_nDecimals(-1), m_dDefault(0.0) {}
 
-bool CKVitemType::AllowUnit(CKVunit& unit, bool atFront) {
+bool CKVitemType::AllowUnit(const CKVunit& unit, bool atFront) {
     // An item type without a dimension accepts no unit at all.
     const bool bOk = m_pDimension != nullptr && unit.IsEqv(*m_pDimension);
-    XUN_ASSERT(bOk, "bOk", kSource, __LINE__, kAllowUnit);
+    XUN_ASSERT(bOk, kAllowUnitDimension);
     for (const CKVunit* allowed : m_lstUnits) {
         if (allowed == nullptr)
             continue;
@@ -26,7 +20,7 @@ bool CKVitemType::AllowUnit(CKVunit& unit, bool atFront) {
             return false;
     }
     if (atFront)
-        m_lstUnits.push_front(&unit);
+        m_lstUnits.insert(m_lstUnits.begin(), &unit);
     else
         m_lstUnits.push_back(&unit);
     return true;
@@ -35,11 +29,8 @@ bool CKVitemType::AllowUnit(CKVunit& unit, bool atFront) {
 const CKVunit* CKVitemType::GetUnit(long seq) const {
     if (seq < 1 || seq > static_cast<long>(m_lstUnits.size()))
         return nullptr;
-    std::list<CKVunit*>::const_iterator it = m_lstUnits.begin();
-    for (long i = 1; i < seq; ++i)
-        ++it;
-    const CKVunit* Un = *it;
-    XUN_ASSERT(Un != nullptr, "Un", kSource, __LINE__, kGetUnit);
+    const CKVunit* Un = m_lstUnits[static_cast<size_t>(seq - 1)];
+    XUN_ASSERT(Un != nullptr, kGetUnitNull);
     return Un;
 }
 
@@ -53,13 +44,13 @@ int CKVitemType::GetItemUserUnit() const {
     if (m_lstUnits.empty())
         return -1;
     const CKVunit* Un = m_lstUnits.front();
-    XUN_ASSERT(Un != nullptr, "Un", kSource, __LINE__, kGetItemUserUnit);
+    XUN_ASSERT(Un != nullptr, kUserUnitNull);
     return static_cast<int>(Un->m_lKey);
 }
 
 void CKVitemType::AssertValid() const {
-    XUN_ASSERT(m_nNumId != 0, "m_nNumId", kSource, __LINE__, kAssertValid);
-    XUN_ASSERT(m_pDimension != nullptr, "m_pDimension", kSource, __LINE__, kAssertValid);
+    XUN_ASSERT(m_nNumId != 0, kItemKeyZero);
+    XUN_ASSERT(m_pDimension != nullptr, kItemNoDimension);
 }
 
 bool CKVitemType::IsMemberOf(const CKVfilter& filter) const {

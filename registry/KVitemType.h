@@ -4,8 +4,8 @@
 // a number of decimals and a default value.
 #pragma once
 
-#include <list>
 #include <string>
+#include <vector>
 
 #include "registry/KVfilter.h"
 #include "units/KVdim.h"
@@ -24,7 +24,7 @@ class CKVitemType {
     // after them. Returns false, changing nothing, when a unit with the same
     // key or ident is already allowed. A unit of another dimension ends the
     // process (assertion "bOk").
-    bool AllowUnit(CKVunit& unit, bool atFront);
+    bool AllowUnit(const CKVunit& unit, bool atFront);
     // The seq-th allowed unit counting from 1; null when seq is out of range.
     const CKVunit* GetUnit(long seq) const;
     // Stores the tag as the user unit, without any check.
@@ -33,7 +33,8 @@ class CKVitemType {
     int GetItemUserUnit() const;
     // Ends the process when the key is 0 or the dimension is missing.
     void AssertValid() const;
-    std::list<CKVunit*>& GetUnitList() { return m_lstUnits; }
+    std::vector<const CKVunit*>& GetUnitList() { return m_lstUnits; }
+    const std::vector<const CKVunit*>& GetUnitList() const { return m_lstUnits; }
 
     void SetFilter(long mask) { m_lFilter = mask; }
     long GetFilter() const { return m_lFilter; }
@@ -49,23 +50,11 @@ class CKVitemType {
     long m_lUserUnit;                 // tag of the user unit, -1 for none
     std::string m_strIdent;           // unique among item types
     const CKVdimension* m_pDimension; // borrowed, never freed here
-    std::list<CKVunit*> m_lstUnits;   // allowed units; the first is the default
+    // The allowed units in order; the first is the default. An array, so
+    // that the seq-th one is found at once.
+    std::vector<const CKVunit*> m_lstUnits;
     long m_lFilter;                   // bit set of the filters it belongs to
     int m_nFileItem;                  // may be stored in data files
     int m_nDecimals;                  // decimals for display, -1 = not given
     double m_dDefault;                // default value
-};
-
-typedef std::list<CKVunit*> CKVunitList;
-
-// The list type of the item-type registry, in registration order, with the
-// writers of the include files and the allowed-units report.
-class CKVitemTypeList : public std::list<CKVitemType*> {
-  public:
-    // Writes "xunDefine.c__", "xunDefine.p__", "xunDefine.f__" and
-    // "xunDefine.cs" into the current directory: these item types, then the
-    // units and the filters when their lists are given.
-    void WriteIncludes(const CKVunitList* units, const CKVfilterList* filters);
-    // Writes "xunAllowedUnits.HTML": each item type with its allowed units.
-    void WriteAllowedUnits();
 };

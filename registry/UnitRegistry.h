@@ -1,111 +1,112 @@
-// The process-wide unit registry: three containers that always hold the same
-// units - a list in registration order, a map key -> unit and a map ident ->
-// unit. The registry owns the units until the process ends.
+// CKVunitRegistry: the units of a registry - in registration order, found by
+// numeric key (tag) and by ident, owned by the registry.
 //
-// Beside them AddUnit_ and xunRemoveUnit_ keep three hash indexes in step
-// (registry/HashIndex.h): key -> unit and ident -> unit, which the lookups
-// below use instead of walking the ordered maps, and unit -> list position,
-// which lets the iteration functions find the previous unit without walking
-// the list. The containers stay what the rest of the library reads in order;
-// the indexes only answer lookups. Lookups never write anything, so after
-// loading any number of threads may look up and convert at once.
+// A registered unit does not change any more, except for its description
+// and abbreviation (SetTexts: a second load, the language files): the
+// registry hands units out as const. What a conversion reads of a unit is
+// kept beside it in the key index (CKVunitKeyEntry), derived once when the
+// unit is registered, so that a conversion reads one slot per unit.
+//
+// Lookups, walks and conversions only read: after loading, any number of
+// threads may use them at once. Adding and removing must run alone.
 #pragma once
 
-#include <list>
-#include <map>
+#include <cstddef>
+#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "registry/HashIndex.h"
+#include "registry/Table.h"
 #include "units/KVunit.h"
+#include "units/UnitSet.h"
 
-typedef std::list<CKVunit*> CKVunitList;
-typedef std::map<long, CKVunit*> CKVunitMap;
-typedef std::map<std::string, CKVunit*> CKVunitStringMap;
+inline long XunKeyOf(const CKVunit& unit) {
+    return unit.m_lKey;
+}
+inline const std::string& XunIdentOf(const CKVunit& unit) {
+    return unit.m_strIdent;
+}
 
-extern CKVunitList UnitList_;
-extern CKVunitMap UnitMap_;
-extern CKVunitStringMap UnitStringMap_;
-
-// Registers a fully built unit, appended or (atFront != 0) inserted before all
-// others. Returns 0 and changes nothing when its key or ident is taken.
-int AddUnit_(CKVunit& unit, int atFront);
-
-// An entry of the key index: the unit, and beside it what a conversion reads
-// of it, copied when the unit is registered (the factor, offset and dimension
-// of a registered unit never change). A conversion then reads one slot per
-// unit instead of the unit and its dimension, which lie anywhere in memory.
+// What a conversion reads of a unit: its factor and offset, and a dimension
+// class - equal for units of equal dimensions (CKVdimension::IsEqv),
+// different otherwise; kNoDimensionClass for a dimension equal to none, not
+// even to itself (an exponent that is NaN); kUncheckedUnit for a unit that
+// its invariant checks (CKVunit::AssertValid) would stop, which a conversion
+// then meets as it would without this entry.
 struct CKVunitKeyEntry {
-    CKVunit* unit = nullptr;
+    const CKVunit* unit = nullptr;
     double factor = 0.0;
     double offset = 0.0;
-    // Equal for units of equal dimensions (CKVdimension::IsEqv), different
-    // otherwise; kNoDimensionClass for a dimension equal to none, not even to
-    // itself (an exponent that is NaN); kUncheckedUnit for a unit that its
-    // invariant checks (CKVunit::AssertValid) would stop.
     int dimensionClass = 0;
 };
 const int kNoDimensionClass = -1;
 const int kUncheckedUnit = -2;
 
-// The key index (defined in UnitRegistry.cpp, kept in step by AddUnit_ and
-// xunRemoveUnit_), declared here so that the key lookups below inline.
-extern CKVhashIndex<long, CKVunitKeyEntry> UnitKeyIndex_;
+class CKVunitRegistry : public IUnitSet {
+  public:
+    CKVunitRegistry();
+    ~CKVunitRegistry() override;
+    CKVunitRegistry(const CKVunitRegistry&) = delete;
+    CKVunitRegistry& operator=(const CKVunitRegistry&) = delete;
 
-// Lookups that never insert (nor write anything else); null for an unknown key
-// or ident.
-inline const CKVunitKeyEntry* xunFindUnitEntryByKey_(long key) {
-    return UnitKeyIndex_.Find(key);
-}
-inline CKVunit* xunFindUnitByKey_(long key) {
-    const CKVunitKeyEntry* entry = UnitKeyIndex_.Find(key);
-    return entry != nullptr ? entry->unit : nullptr;
-}
-CKVunit* xunFindUnitByIdent_(std::string_view ident);
+    // Registers a fully built unit, appended or (atFront) inserted before all
+    // others, and takes it over. Returns false and changes nothing (the unit
+    // stays with the caller) when its key or its ident is taken.
+    bool Add(std::unique_ptr<CKVunit>& unit, bool atFront);
 
-// Position of a unit in UnitList_ (end() when absent), with a one-entry cache
-// for the case of the same unit asked for twice in a row: the position of the
-// first element that holds the unit, found through the position index in
-// constant time. Writes the cache, so it is for one thread at a time.
-CKVunitList::iterator xunFindUnit_(const CKVunit* unit);
+    // Takes a registered unit out and hands it back (null when it is not
+    // registered).
+    std::unique_ptr<CKVunit> Remove(const CKVunit* unit);
 
-// The name rules of the unit name searches: name equals the description, or
-// is its singular (description = name + "s") or its plural (name =
-// description + "s"). Case-sensitive.
-bool xunUnitNameMatches_(const std::string& desc, const char* name);
+    // Replaces the description and abbreviation of a registered unit.
+    void SetTexts(const CKVunit& unit, const std::string& desc, const std::string& abbr);
 
-// First unit in list order of the given dimension whose key is non-zero.
-const CKVunit* xunFirstEqvUnit_(const CKVdimension& dim);
+    const CKVunit* FindByKey(long key) const { return m_table.FindByKey(key); }
+    const CKVunit* FindByIdent(std::string_view ident) const { return m_table.FindByIdent(ident); }
+    // The key index entry of a unit; null for an unknown key.
+    const CKVunitKeyEntry* FindEntry(long key) const { return m_entries.Find(key); }
 
-// UnitList_ as an array, for the iteration functions: entry i describes
-// element i of the list - its unit (null for a null element), the unit's key
-// (0 for a null element) and its position in the list. Walking the array
-// instead of the list lets the walks load ahead.
-struct CKVunitOrderEntry {
-    CKVunit* unit;
-    long key;
-    CKVunitList::iterator position;
+    std::size_t Count() const { return m_table.Count(); }
+    const CKVunit* At(std::size_t index) const { return m_table.At(index); }
+    // The index of a registered unit in registration order; npos otherwise.
+    std::size_t IndexOf(const CKVunit* unit) const { return m_table.IndexOf(unit); }
+    static constexpr std::size_t npos = CKVtable<const CKVunit>::npos;
+    auto begin() const { return m_table.begin(); }
+    auto end() const { return m_table.end(); }
+
+    // The key for a unit created at run time: one above the largest key in
+    // use, at least 100000. False when the largest key leaves no room in the
+    // interface's int.
+    bool NextRunTimeKey(long& key) const;
+
+    // Throws std::logic_error naming the first broken invariant (the table's,
+    // and every key entry matching its unit).
+    void CheckInvariants() const;
+
+    // IUnitSet
+    const CKVunit* FindUnitByKey(long key) const override { return FindByKey(key); }
+    const CKVunit* FindUnitByIdent(std::string_view ident) const override {
+        return FindByIdent(ident);
+    }
+    std::size_t UnitCount() const override { return Count(); }
+    const CKVunit* UnitAt(std::size_t index) const override { return At(index); }
+
+  private:
+    CKVunitKeyEntry EntryOf(const CKVunit& unit);
+    int DimensionClassOf(const CKVdimension& dim);
+
+    CKVtable<const CKVunit> m_table;
+    CKVhashIndex<long, CKVunitKeyEntry> m_entries;
+    // The dimension classes handed out: a dimension's exponents (as bit
+    // patterns, zeros of either sign alike) -> its class.
+    struct DimensionKey {
+        unsigned long long bits[7];
+        bool operator==(const DimensionKey& other) const;
+    };
+    struct DimensionKeyHash {
+        std::size_t operator()(const DimensionKey& key) const;
+    };
+    struct DimensionClasses;
+    std::unique_ptr<DimensionClasses> m_classes;
 };
-
-// The array, brought up to date first: AddUnit_ appends to it, and after an
-// insertion at the front, a removal, or a change of UnitList_ made directly
-// it is built again from the list. For one thread at a time.
-const std::vector<CKVunitOrderEntry>& xunUnitOrder_();
-
-// The entry of the position that xunFindUnit_(xunFindUnitByKey_(tag))
-// gives, with the same effect on the find cache; kNoUnitIndex when it finds
-// nothing. A caller walking the list passes back the tag it was handed last;
-// that entry is remembered (xunNoteHandedOut_), so such a step needs no
-// lookup at all. Call xunUnitOrder_() first.
-const size_t kNoUnitIndex = static_cast<size_t>(-1);
-size_t xunFindUnitIndexByTag_(long tag);
-
-// Remembers entry index of xunUnitOrder_() (a registered unit) as the one an
-// iteration function has just handed out.
-void xunNoteHandedOut_(size_t index);
-
-// Takes a registered unit out of UnitList_ and out of both maps (its key and
-// ident entries); the caller deletes the unit. Clears the find cache, which
-// must never outlive its element.
-void xunRemoveUnit_(const CKVunit* unit);

@@ -1,13 +1,10 @@
 #include "setup/Installation.h"
 
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
 
-#include "xun.h"
-
-char szDllFileName[kXunPathBufferSize];
-char szDocName[kXunPathBufferSize];
+char szDllFileName[xun::contract::kPathBufferSize];
+char szDocName[xun::contract::kPathBufferSize];
 
 namespace {
 
@@ -16,9 +13,6 @@ const char* Printable(const char* text) {
     return text != nullptr ? text : "(null)";
 }
 
-// Writes text into out and returns the number of characters written. The
-// callers of these functions pass buffers of 260 bytes; nothing is checked,
-// as with their drive-and-directory counterparts.
 int WriteText(char* out, const std::string& text) {
     std::memcpy(out, text.c_str(), text.size() + 1);
     return static_cast<int>(text.size());
@@ -30,7 +24,7 @@ std::string xunInstallDir_() {
     return std::string(Printable(std::getenv("KORVANE_HOME"))) + "/bin/";
 }
 
-bool xunCopyPath_(char (&buffer)[kXunPathBufferSize], const char* text) {
+bool xunCopyPath_(char (&buffer)[xun::contract::kPathBufferSize], const char* text) {
     const size_t length = std::strlen(text);
     const size_t kept = length < sizeof buffer ? length : sizeof buffer - 1;
     std::memcpy(buffer, text, kept);
@@ -38,30 +32,10 @@ bool xunCopyPath_(char (&buffer)[kXunPathBufferSize], const char* text) {
     return kept == length;
 }
 
-int _fullpath(char* absPath, const char* /*relPath*/, int /*maxLength*/) {
-    return WriteText(absPath, xunInstallDir_());
+int xunWriteInstallDir_(char* out) {
+    return WriteText(out, xunInstallDir_());
 }
 
-int _splitpath(char* /*path*/, char* /*drive*/, char* dir, char* /*fname*/, char* /*ext*/) {
-    return WriteText(dir, xunInstallDir_());
+int xunWriteMadePath_(char* out, const char* dir, const char* fname, const char* ext) {
+    return WriteText(out, std::string(Printable(dir)) + Printable(fname) + Printable(ext));
 }
-
-int _makepath(char* path, char* /*drive*/, char* dir, char* fname, char* ext) {
-    return WriteText(path, std::string(Printable(dir)) + Printable(fname) + Printable(ext));
-}
-
-void xunUnloadItemTypeTables() {}
-
-extern "C" {
-
-void xunSetupUnload(void) {}
-
-int xunSetupWrite(void) {
-    return 1;
-}
-
-void xunSetupGetPath(const char** path) {
-    *path = szDocName;
-}
-
-} // extern "C"

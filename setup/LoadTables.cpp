@@ -1,70 +1,97 @@
-// xunLoadItemTypeTables: the setup file, then the localised texts of the
-// language files "xuntype.lan", "xununit.lan" and "xunfilter.lan" in the
-// installation's bin directory.
-#include <string>
+#include "setup/LoadTables.h"
+
 #include <vector>
 
 #include "langfile/KVLangFile.h"
-#include "registry/FilterRegistry.h"
-#include "registry/ItemTypeRegistry.h"
-#include "registry/UnitRegistry.h"
-#include "setup/Installation.h"
-#include "xun.h"
+
+using namespace xun::contract;
 
 namespace {
+
+// A language file that cannot be opened (or is too short) is skipped
+// without a word; a check says so.
+void Skipped(CXunLoadReport& report, const std::string& fileName) {
+    if (report.Observed())
+        report.Dropped(fileName, 0,
+                       "the file cannot be opened or has fewer than two lines; a load skips it and "
+                       "keeps the texts it has");
+}
 
 // The reader takes a modifiable name.
 std::vector<char> NameBuffer(const std::string& name) {
     return std::vector<char>(name.c_str(), name.c_str() + name.size() + 1);
 }
 
-void ApplyItemTypeTexts(const std::string& fileName) {
+std::string Named(const char* kind, long key, const std::string& ident) {
+    return std::string(kind) + " " + std::to_string(key) + " '" + ident + "'";
+}
+
+void ApplyItemTypeTexts(CKVregistries& registries, const std::string& fileName,
+                        CXunLoadReport& report) {
     CKVLangFile file;
+    file.SetReport(&report, fileName);
     std::vector<char> name = NameBuffer(fileName);
     if (!file.OpenLangTypeFile(name.data()))
-        return;
-    for (CKVitemType* item : ItemTypeList_)
-        if (item != nullptr)
-            item->m_strKey = file.LoadTypeString(static_cast<int>(item->m_nNumId));
+        return Skipped(report, fileName);
+    for (CKVitemType* item : registries.itemTypes) {
+        const int key = static_cast<int>(item->m_nNumId);
+        if (!file.HasTypeKey(key)) {
+            report.Fatal(kTypeKeyMissing, fileName, file.EndLine(),
+                         "no text for " + Named("item type", key, item->m_strIdent) +
+                             "; loading would stop");
+            continue;
+        }
+        item->m_strKey = file.LoadTypeString(key);
+    }
     file.CloseLangTypeFile();
 }
 
-void ApplyUnitTexts(const std::string& fileName) {
+void ApplyUnitTexts(CKVregistries& registries, const std::string& fileName,
+                    CXunLoadReport& report) {
     CKVLangFile file;
+    file.SetReport(&report, fileName);
     std::vector<char> name = NameBuffer(fileName);
     if (!file.OpenLangUnitFile(name.data()))
-        return;
-    for (CKVunit* unit : UnitList_) {
-        if (unit == nullptr)
-            continue;
+        return Skipped(report, fileName);
+    for (const CKVunit* unit : registries.units) {
         const int key = static_cast<int>(unit->m_lKey);
-        unit->m_strDesc = file.LoadUnitString(key, 1);
-        unit->m_strAbbr = file.LoadUnitString(key, 2);
+        if (!file.HasUnitKey(key)) {
+            report.Fatal(kUnitKeyMissing, fileName, file.EndLine(),
+                         "no text for " + Named("unit", key, unit->m_strIdent) +
+                             "; loading would stop");
+            continue;
+        }
+        registries.units.SetTexts(*unit, file.LoadUnitString(key, 1), file.LoadUnitString(key, 2));
     }
     file.CloseLangUnitFile();
 }
 
-void ApplyFilterTexts(const std::string& fileName) {
+void ApplyFilterTexts(CKVregistries& registries, const std::string& fileName,
+                      CXunLoadReport& report) {
+    // The filter file has the format of the item-type file.
     CKVLangFile file;
+    file.SetReport(&report, fileName);
     std::vector<char> name = NameBuffer(fileName);
     if (!file.OpenLangTypeFile(name.data()))
-        return;
-    for (CKVfilter* filter : FilterList_)
-        if (filter != nullptr)
-            filter->m_strKey = file.LoadTypeString(static_cast<int>(static_cast<long>(*filter)));
+        return Skipped(report, fileName);
+    for (CKVfilter* filter : registries.filters) {
+        const int key = static_cast<int>(static_cast<long>(*filter));
+        if (!file.HasTypeKey(key)) {
+            report.Fatal(kTypeKeyMissing, fileName, file.EndLine(),
+                         "no text for " + Named("filter", key, filter->m_strIdent) +
+                             "; loading would stop");
+            continue;
+        }
+        filter->m_strKey = file.LoadTypeString(key);
+    }
     file.CloseLangTypeFile();
 }
 
 } // namespace
 
-extern "C" void xunLoadItemTypeTables(const char* path) {
-    // A null path is taken as the empty text: the default setup file.
-    const char* text = path != nullptr ? path : "";
-    xunCopyPath_(szDllFileName, text);
-    if (!xunSetupLoad(text))
-        return;
-    const std::string dir = xunInstallDir_();
-    ApplyItemTypeTexts(dir + "xuntype" + ".lan");
-    ApplyUnitTexts(dir + "xununit" + ".lan");
-    ApplyFilterTexts(dir + "xunfilter" + ".lan");
+void xunApplyLanguageFiles_(CKVregistries& registries, const std::string& dir,
+                            CXunLoadReport& report) {
+    ApplyItemTypeTexts(registries, dir + "xuntype" + ".lan", report);
+    ApplyUnitTexts(registries, dir + "xununit" + ".lan", report);
+    ApplyFilterTexts(registries, dir + "xunfilter" + ".lan", report);
 }

@@ -1,34 +1,37 @@
-// The setup loader: reads the XML setup file and fills the unit, item-type
-// and filter registries in three passes (units, item types, filters). A
-// second load adds what is new and refreshes what is already registered.
+#include "setup/SetupLoader.h"
+
+#include <cerrno>
+#include <climits>
 #include <clocale>
+#include <cmath>
 #include <cstdio>
 #include <cstdlib>
 #include <exception>
 #include <memory>
 #include <string>
+#include <unordered_map>
 
+#include <xercesc/dom/DOMElement.hpp>
+#include <xercesc/dom/DOMNodeList.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
+#include <xercesc/util/XMLString.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
 #include "SmartPtr"
-#include "registry/FilterRegistry.h"
-#include "registry/ItemTypeRegistry.h"
-#include "registry/UnitRegistry.h"
+#include "common/Assert.h"
 #include "setup/Installation.h"
-#include "units/KVassert.h"
 #include "units/KVexpr.h"
 #include "xml/CString.h"
 #include "xml/XMLDOM.h"
-#include "xun.h"
 
 using MSXML2::CSmartPtr;
 using MSXML2::IXMLDOMDocument;
 using MSXML2::IXMLDOMNamedNodeMap;
 using MSXML2::IXMLDOMNode;
 using MSXML2::IXMLDOMNodeList;
+using namespace xun::contract;
 
 namespace {
 
@@ -78,21 +81,32 @@ template <class Visit> void ForEachToken(const CString& list, Visit visit) {
         visit(token);
 }
 
-// The numeric locale of the host, restored when a load ends.
-std::string SaveNumericLocale() {
-    const char* current = std::setlocale(LC_NUMERIC, nullptr);
-    std::string saved = current != nullptr ? current : "C";
-    std::setlocale(LC_NUMERIC, "C");
-    return saved;
+std::string Quote(const char* text) {
+    return std::string("'") + text + "'";
 }
 
-void InitializeParser() {
-    try {
-        xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
-                                              nullptr, xercesc::XMLPlatformUtils::fgMemoryManager);
-    } catch (const xercesc::XMLException&) {
-        std::printf("Error initializing Xerces\n");
-    }
+std::string Quote(const std::string& text) {
+    return "'" + text + "'";
+}
+
+std::string FilterBitText(long key) {
+    char text[32];
+    std::snprintf(text, sizeof text, "0x%lX", static_cast<unsigned long>(key));
+    return text;
+}
+
+std::string NumberText(double value) {
+    char text[40];
+    std::snprintf(text, sizeof text, "%.17g", value);
+    return text;
+}
+
+// Whether only blanks follow the end of a number.
+bool OnlyBlanks(const char* rest) {
+    for (; *rest != '\0'; ++rest)
+        if (*rest != ' ' && *rest != '\t' && *rest != '\n' && *rest != '\r')
+            return false;
+    return true;
 }
 
 // The eight temporary base units, keys 1 to 8, over the shared dimensions.
@@ -100,7 +114,7 @@ struct BaseUnitDef {
     const char* name;
     const CKVdimension& (*dim)();
 };
-const BaseUnitDef kBaseUnits[] = {
+const BaseUnitDef kBaseUnits[kBaseUnitCount] = {
     {"NonDimensional", &CKVdimension::GetNonDim},
     {"Length", &CKVdimension::GetLength},
     {"Mass", &CKVdimension::GetMass},
@@ -110,64 +124,174 @@ const BaseUnitDef kBaseUnits[] = {
     {"AmountOfSubstance", &CKVdimension::GetSubs},
     {"LuminousIntensity", &CKVdimension::GetLumi},
 };
-const int kBaseUnitCount = 8;
 
-void RegisterBaseUnits() {
-    CKVunit* units[kBaseUnitCount];
+class SetupLoader {
+  public:
+    SetupLoader(CKVregistries& registries, CXunLoadReport& report, const std::string& fileName)
+        : m_registries(registries), m_units(registries.units), m_report(report),
+          m_file(fileName) {}
+
+    // 1 when the document was loaded and processed, 0 when it could not be.
+    int Run();
+
+  private:
+    long LineOf(const NodePtr& node) const {
+        return m_document ? m_document->LineOf(node->m_pNode) : 0;
+    }
+
+    // Reads a key as the loader does (base 10, or 0 for the automatic base
+    // of filter keys), and reports a text that does not read whole or a
+    // key that the interface's int cannot carry.
+    long ReadKey(const Attribute& text, long line, int base);
+    void FirstRowLacks(const Attribute& text, long row, long line, const char* name,
+                       const char* value);
+
+    void RegisterBaseUnits(long line);
+    void RemoveBaseUnits();
+    void LoadUnits(const NodePtr& group);
+    void LoadItemTypes(const NodePtr& group);
+    void LoadFilters(const NodePtr& group);
+    void ReportUnreadGroups(const NodePtr& units, const NodePtr& items, const NodePtr& filters);
+
+    CKVregistries& m_registries;
+    CKVunitRegistry& m_units;
+    CXunLoadReport& m_report;
+    const std::string& m_file;
+    CSmartPtr<IXMLDOMDocument> m_document;
+    // Where each object of this load was defined (observed loads only).
+    std::unordered_map<const void*, long> m_lines;
+};
+
+long SetupLoader::ReadKey(const Attribute& text, long line, int base) {
+    const char* begin = text.c_str();
+    char* end = nullptr;
+    long value = 0;
+    if (base == 0) {
+        value = static_cast<long>(std::strtoul(begin, &end, 0));
+        const unsigned long bits = static_cast<unsigned long>(value);
+        if (m_report.Observed() && bits > 0xFFFFFFFFul)
+            m_report.Warning(m_file, line,
+                             "KvId " + Quote(begin) + " does not fit in 32 bits: the interface sees " +
+                                 FilterBitText(static_cast<long>(bits & 0xFFFFFFFFul)));
+    } else {
+        value = std::strtol(begin, &end, 10);
+        if (m_report.Observed() && (value < INT_MIN || value > INT_MAX))
+            m_report.Warning(m_file, line,
+                             "KvId " + Quote(begin) + " does not fit in 32 bits: the interface sees " +
+                                 std::to_string(static_cast<int>(value)));
+    }
+    if (m_report.Observed() && (end == begin || !OnlyBlanks(end)))
+        m_report.Warning(m_file, line,
+                         "KvId " + Quote(begin) + " reads as " +
+                             (base == 0 ? FilterBitText(value) : std::to_string(value)));
+    return value;
+}
+
+void SetupLoader::FirstRowLacks(const Attribute& text, long row, long line, const char* name,
+                                const char* value) {
+    if (row == 0 && !text.present && m_report.Observed())
+        m_report.Warning(m_file, line,
+                         std::string("no ") + name + " on the first row of the group: " + value +
+                             " is used");
+}
+
+void SetupLoader::RegisterBaseUnits(long line) {
+    std::unique_ptr<CKVunit> units[kBaseUnitCount];
     for (int k = 0; k < kBaseUnitCount; ++k) {
-        units[k] = new CKVunit(kBaseUnits[k].name, kBaseUnits[k].name, k + 1, 1.0, 0.0,
-                               kBaseUnits[k].dim());
+        units[k].reset(new CKVunit(kBaseUnits[k].name, kBaseUnits[k].name, k + 1, 1.0, 0.0,
+                                   kBaseUnits[k].dim()));
         units[k]->m_strIdent = kBaseUnits[k].name;
     }
     // Either way the base units end up first, in key order. A base unit that
-    // is refused (its ident already taken by a unit registered earlier) is
-    // abandoned as it is.
-    if (UnitList_.empty()) {
-        for (int k = 0; k < kBaseUnitCount; ++k)
-            AddUnit_(*units[k], 0);
-    } else {
-        for (int k = kBaseUnitCount - 1; k >= 0; --k)
-            AddUnit_(*units[k], 1);
+    // is refused (its key or ident already taken by a unit registered
+    // earlier) is not registered.
+    const bool empty = m_units.Count() == 0;
+    for (int i = 0; i < kBaseUnitCount; ++i) {
+        const int k = empty ? i : kBaseUnitCount - 1 - i;
+        if (!m_units.Add(units[k], !empty) && m_report.Observed())
+            m_report.Dropped(m_file, line,
+                             "the base unit " + Quote(kBaseUnits[k].name) +
+                                 " cannot be registered while units are read: its key or ident "
+                                 "is taken by a unit registered before");
     }
 }
 
-void RemoveBaseUnits() {
-    for (long k = 1; k <= kBaseUnitCount; ++k) {
-        CKVunit* unit = xunFindUnitByKey_(k);
-        if (unit == nullptr)
-            continue;
-        xunRemoveUnit_(unit);
-        delete unit;
-    }
+void SetupLoader::RemoveBaseUnits() {
+    // Whatever is registered under the keys 1 to 8 leaves again.
+    for (long k = kFirstBaseUnitKey; k < kFirstBaseUnitKey + kBaseUnitCount; ++k)
+        if (const CKVunit* unit = m_units.FindByKey(k))
+            m_units.Remove(unit);
 }
 
-void LoadUnits(const NodePtr& group) {
-    RegisterBaseUnits();
+void SetupLoader::LoadUnits(const NodePtr& group) {
+    RegisterBaseUnits(LineOf(group));
     NodeListPtr rows = group->selectNodes(CString(kRows));
     long key = 0;
     for (long i = 0; i < rows->getlength(); ++i) {
-        const RowAttributes row(rows->Getitem(i));
+        const NodePtr rowNode = rows->Getitem(i);
+        const long line = LineOf(rowNode);
+        const RowAttributes row(rowNode);
         const Attribute ident = row.Read("Ident");
         const Attribute keyText = row.Read("KvId");
+        FirstRowLacks(keyText, i, line, "KvId", "the key 0");
         if (keyText.present)
-            key = std::strtol(keyText.c_str(), nullptr, 10);
+            key = ReadKey(keyText, line, 10);
         const Attribute desc = row.Read("Desc");
         const Attribute abbr = row.Read("Abbr");
         const Attribute alias = row.Read("Alias");
         const Attribute expr = row.Read("Expr");
+        const std::string what =
+            m_report.Observed() ? "unit " + Quote(ident.c_str()) + ": " : std::string();
 
         CKVunit* rawUnit = nullptr;
         double* rawValue = nullptr;
-        const bool ok = bEvaluateExpression(expr.c_str(), &rawUnit, &rawValue);
+        bool ok = false;
+        if (m_report.CheckOnly()) {
+            // What ends a load here (a unit arithmetic whose factor becomes
+            // 0) is reported, and the row skipped.
+            try {
+                XunAssertionTrap trap;
+                ok = xunEvaluateExpression_(expr.c_str(), m_units, &rawUnit, &rawValue);
+            } catch (const XunAssertionFailed& failed) {
+                m_report.Fatal(*failed.assertion, m_file, line,
+                               what + "expression " + Quote(expr.c_str()) +
+                                   (failed.assertion == &kUnitFactor ? " gives the factor 0"
+                                                                     : " breaks a unit invariant") +
+                                   "; loading would stop");
+                continue;
+            }
+        } else {
+            ok = xunEvaluateExpression_(expr.c_str(), m_units, &rawUnit, &rawValue);
+        }
         std::unique_ptr<CKVunit> unit(rawUnit);
         delete rawValue;
         if (!ok) {
-            std::printf("Error reading unit\n%s\nUnsuccessful parsing of the expression\n%s",
-                        ident.c_str(), expr.c_str());
+            std::string printed = "Error reading unit\n";
+            printed += ident.c_str();
+            printed += "\nUnsuccessful parsing of the expression\n";
+            printed += expr.c_str();
+            m_report.Message(stdout, printed, m_file, line,
+                             m_report.Observed()
+                                 ? what + (expr.present ? "expression " + Quote(expr.c_str()) +
+                                                              " does not evaluate"
+                                                        : std::string("no Expr")) +
+                                       "; the row is skipped"
+                                 : std::string());
             continue;
         }
-        if (!unit)
+        if (!unit) {
+            if (m_report.Observed())
+                m_report.Dropped(m_file, line,
+                                 what + "expression " + Quote(expr.c_str()) +
+                                     " gives a number, not a unit; the row is skipped");
             continue;
+        }
+        if (m_report.Observed() &&
+            (!std::isfinite(unit->m_dFactor) || !std::isfinite(unit->m_dOffset)))
+            m_report.Warning(m_file, line,
+                             what + "expression " + Quote(expr.c_str()) + " gives the factor " +
+                                 NumberText(unit->m_dFactor) + " and the offset " +
+                                 NumberText(unit->m_dOffset) + "; its conversions give no number");
         unit->m_strIdent = ident.c_str();
         unit->m_strDesc = desc.c_str();
         unit->m_strAbbr = abbr.c_str();
@@ -175,169 +299,436 @@ void LoadUnits(const NodePtr& group) {
             unit->SetAlias(alias.c_str());
         unit->m_strExpr = expr.c_str();
         unit->m_lKey = key;
-        if (AddUnit_(*unit, 0)) {
-            unit.release();
+        const CKVunit* added = unit.get();
+        if (m_units.Add(unit, false)) {
+            if (m_report.Observed()) {
+                m_lines[added] = line;
+                m_report.Added(m_file, line, what + "key " + std::to_string(key));
+                if (key == 0)
+                    m_report.Warning(m_file, line,
+                                     what + "the key 0 makes the unit unusable for conversions");
+            }
             continue;
         }
         // Already registered under this key and ident: refresh the texts.
         unit.reset();
-        CKVunit* byKey = xunFindUnitByKey_(key);
-        if (byKey != nullptr && byKey == xunFindUnitByIdent_(ident.c_str())) {
-            byKey->m_strDesc = desc.c_str();
-            byKey->m_strAbbr = abbr.c_str();
+        const CKVunit* byKey = m_units.FindByKey(key);
+        const CKVunit* byIdent = m_units.FindByIdent(ident.c_str());
+        if (byKey != nullptr && byKey == byIdent) {
+            m_units.SetTexts(*byKey, desc.c_str(), abbr.c_str());
+            if (m_report.Observed())
+                m_report.Refreshed(m_file, line, what + "description and abbreviation");
+            continue;
         }
+        if (!m_report.Observed())
+            continue;
+        const std::string carried =
+            keyText.present ? "" : " (KvId carried over from the row above)";
+        const bool baseKey = key >= kFirstBaseUnitKey && key < kFirstBaseUnitKey + kBaseUnitCount;
+        auto lineOf = [this](const void* object) {
+            const auto it = m_lines.find(object);
+            return it != m_lines.end() ? " (line " + std::to_string(it->second) + ")"
+                                       : std::string(" (registered before this load)");
+        };
+        if (byKey != nullptr && baseKey && m_lines.count(byKey) == 0)
+            m_report.Dropped(m_file, line,
+                             what + "key " + std::to_string(key) + " is taken by the base unit " +
+                                 Quote(byKey->m_strIdent) +
+                                 " while units are read; the row is dropped" + carried);
+        else if (byKey != nullptr)
+            m_report.Dropped(m_file, line,
+                             what + "key " + std::to_string(key) + " is already used by unit " +
+                                 Quote(byKey->m_strIdent) + lineOf(byKey) + "; the row is dropped" +
+                                 carried);
+        else if (byIdent != nullptr && byIdent->m_lKey >= kFirstBaseUnitKey &&
+                 byIdent->m_lKey < kFirstBaseUnitKey + kBaseUnitCount &&
+                 m_lines.count(byIdent) == 0)
+            m_report.Dropped(m_file, line,
+                             what + "the ident names a base unit while units are read; the row "
+                                    "is dropped");
+        else
+            m_report.Dropped(m_file, line,
+                             what + "the ident is already used by unit key " +
+                                 std::to_string(byIdent != nullptr ? byIdent->m_lKey : 0) +
+                                 lineOf(byIdent) + "; the row is dropped");
     }
     RemoveBaseUnits();
 }
 
-void LoadItemTypes(const NodePtr& group) {
+void SetupLoader::LoadItemTypes(const NodePtr& group) {
     NodeListPtr rows = group->selectNodes(CString(kRows));
     long key = 0;
     int decimals = -1;
     double defaultValue = 0.0;
     for (long i = 0; i < rows->getlength(); ++i) {
-        const RowAttributes row(rows->Getitem(i));
+        const NodePtr rowNode = rows->Getitem(i);
+        const long line = LineOf(rowNode);
+        const RowAttributes row(rowNode);
         const Attribute ident = row.Read("Ident");
+        const std::string what =
+            m_report.Observed() ? "item type " + Quote(ident.c_str()) + ": " : std::string();
         const Attribute keyText = row.Read("KvId");
+        FirstRowLacks(keyText, i, line, "KvId", "the key 0");
         if (keyText.present)
-            key = std::strtol(keyText.c_str(), nullptr, 10);
+            key = ReadKey(keyText, line, 10);
         const Attribute desc = row.Read("Desc");
         const Attribute decimalsText = row.Read("Decimals");
-        if (decimalsText.present)
-            decimals = static_cast<int>(std::strtol(decimalsText.c_str(), nullptr, 10));
+        FirstRowLacks(decimalsText, i, line, "Decimals", "-1");
+        if (decimalsText.present) {
+            char* end = nullptr;
+            const long value = std::strtol(decimalsText.c_str(), &end, 10);
+            decimals = static_cast<int>(value);
+            if (m_report.Observed() &&
+                (end == decimalsText.c_str() || !OnlyBlanks(end) || value != decimals))
+                m_report.Warning(m_file, line,
+                                 "Decimals " + Quote(decimalsText.c_str()) + " reads as " +
+                                     std::to_string(decimals));
+        }
         const Attribute defaultText = row.Read("DefaultValue");
-        if (defaultText.present)
-            defaultValue = std::strtod(defaultText.c_str(), nullptr);
+        FirstRowLacks(defaultText, i, line, "DefaultValue", "0");
+        if (defaultText.present) {
+            char* end = nullptr;
+            defaultValue = std::strtod(defaultText.c_str(), &end);
+            if (m_report.Observed() && (end == defaultText.c_str() || !OnlyBlanks(end)))
+                m_report.Warning(m_file, line,
+                                 "DefaultValue " + Quote(defaultText.c_str()) + " reads as " +
+                                     NumberText(defaultValue));
+            else if (m_report.Observed() && !std::isfinite(defaultValue))
+                m_report.Warning(m_file, line,
+                                 "DefaultValue " + Quote(defaultText.c_str()) +
+                                     " is not a finite number");
+        }
         const Attribute defaultUnitIdent = row.Read("DefaultUnit");
-        if (!defaultUnitIdent.present)
+        if (!defaultUnitIdent.present) {
+            if (m_report.Observed())
+                m_report.Dropped(m_file, line, what + "no DefaultUnit; the row is skipped");
             continue;
-        CKVunit* defaultUnit = xunFindUnitByIdent_(defaultUnitIdent.c_str());
-        if (defaultUnit == nullptr)
+        }
+        const CKVunit* defaultUnit = m_units.FindByIdent(defaultUnitIdent.c_str());
+        if (defaultUnit == nullptr) {
+            if (m_report.Observed())
+                m_report.Dropped(m_file, line,
+                                 what + "unknown DefaultUnit " + Quote(defaultUnitIdent.c_str()) +
+                                     "; the row is skipped");
             continue;
+        }
 
         // The item type owns a copy of its default unit's dimension.
         double p[CKVdimension::kBaseCount];
         defaultUnit->GetDim().GetPowers(p[0], p[1], p[2], p[3], p[4], p[5], p[6]);
-        CKVdimension* dim = new CKVdimension(p[0], p[1], p[2], p[3], p[4], p[5], p[6]);
-        CKVitemType* item = new CKVitemType(desc.c_str(), key, ident.c_str(), *dim);
-        CKVitemType* target = item;
-        if (!AddItemType_(key, *item)) {
-            delete item;
-            delete dim;
-            target = xunFindItemTypeByKey_(key);
-            if (target == nullptr || target != xunFindItemTypeByIdent_(ident.c_str()))
+        std::unique_ptr<CKVdimension> dim(new CKVdimension(p[0], p[1], p[2], p[3], p[4], p[5], p[6]));
+        std::unique_ptr<CKVitemType> item(new CKVitemType(desc.c_str(), key, ident.c_str(), *dim));
+        CKVitemType* target = item.get();
+        if (m_registries.itemTypes.Add(item, dim)) {
+            if (m_report.Observed()) {
+                m_lines[target] = line;
+                m_report.Added(m_file, line, what + "key " + std::to_string(key));
+                if (key == 0)
+                    m_report.Warning(m_file, line, what + "the key 0 is not a valid item key");
+            }
+        } else {
+            item.reset();
+            dim.reset();
+            target = m_registries.itemTypes.FindByKey(key);
+            CKVitemType* byIdent = m_registries.itemTypes.FindByIdent(ident.c_str());
+            if (target == nullptr || target != byIdent) {
+                if (m_report.Observed()) {
+                    auto lineOf = [this](const void* object) {
+                        const auto it = m_lines.find(object);
+                        return it != m_lines.end() ? " (line " + std::to_string(it->second) + ")"
+                                                   : std::string(" (registered before this load)");
+                    };
+                    if (target != nullptr)
+                        m_report.Dropped(m_file, line,
+                                         what + "key " + std::to_string(key) +
+                                             " is already used by item type " +
+                                             Quote(target->m_strIdent) + lineOf(target) +
+                                             "; the row is dropped" +
+                                             (keyText.present
+                                                  ? ""
+                                                  : " (KvId carried over from the row above)"));
+                    else
+                        m_report.Dropped(m_file, line,
+                                         what + "the ident is already used by item key " +
+                                             std::to_string(byIdent->m_nNumId) + lineOf(byIdent) +
+                                             "; the row is dropped");
+                }
                 continue;
+            }
             target->m_strKey = desc.c_str();
+            if (m_report.Observed())
+                m_report.Refreshed(m_file, line, what + "description, decimals, default value");
         }
         target->m_nDecimals = decimals;
         target->m_dDefault = defaultValue;
+        if (!defaultUnit->IsEqv(*target->m_pDimension)) {
+            // A refreshed item type keeps its dimension: AllowUnit stops here.
+            m_report.Fatal(kAllowUnitDimension, m_file, line,
+                           what + "DefaultUnit " + Quote(defaultUnitIdent.c_str()) +
+                               " has the dimension " + xunDimensionText_(defaultUnit->GetDim()) +
+                               ", but the item type has " +
+                               xunDimensionText_(*target->m_pDimension) + "; loading would stop");
+            continue;
+        }
         target->AllowUnit(*defaultUnit, true);
 
         const Attribute allowed = row.Read("AllowedUnits");
-        if (!allowed.present)
+        if (!allowed.present) {
+            if (m_report.Observed()) {
+                const Attribute userUnit = row.Read("UserUnit");
+                if (userUnit.present)
+                    m_report.Dropped(m_file, line,
+                                     what + "UserUnit " + Quote(userUnit.c_str()) +
+                                         " is ignored without AllowedUnits");
+            }
             continue;
-        ForEachToken(allowed.text, [target](const CString& token) {
-            int tag = 0;
-            if (!xunGetUnitTagFromIdent(token.GetString(), &tag))
+        }
+        ForEachToken(allowed.text, [&](const CString& token) {
+            const CKVunit* unit = m_units.FindByIdent(token.GetString());
+            if (unit == nullptr) {
+                if (m_report.Observed())
+                    m_report.Dropped(m_file, line,
+                                     what + "unknown unit " + Quote(token.GetString()) +
+                                         " in AllowedUnits; it is skipped");
                 return;
-            if (CKVunit* unit = xunFindUnitByKey_(tag))
-                target->AllowUnit(*unit, false);
+            }
+            if (!unit->IsEqv(*target->m_pDimension)) {
+                m_report.Fatal(kAllowUnitDimension, m_file, line,
+                               what + "allowed unit " + Quote(token.GetString()) +
+                                   " has the dimension " + xunDimensionText_(unit->GetDim()) +
+                                   ", but the item type has " +
+                                   xunDimensionText_(*target->m_pDimension) + "; loading would stop");
+                return;
+            }
+            target->AllowUnit(*unit, false);
         });
         const Attribute userUnit = row.Read("UserUnit");
-        int tag = 0;
-        if (userUnit.present && xunGetUnitTagFromIdent(userUnit.c_str(), &tag))
-            target->SetItemUserUnit(tag);
+        if (!userUnit.present)
+            continue;
+        const CKVunit* user = m_units.FindByIdent(userUnit.c_str());
+        if (user == nullptr) {
+            if (m_report.Observed())
+                m_report.Dropped(m_file, line,
+                                 what + "unknown UserUnit " + Quote(userUnit.c_str()) +
+                                     "; it is ignored");
+            continue;
+        }
+        // No dimension check here, unlike xunSetItemUserUnit.
+        target->SetItemUserUnit(static_cast<int>(user->m_lKey));
+        if (m_report.Observed() && !user->IsEqv(*target->m_pDimension))
+            m_report.Warning(m_file, line,
+                             what + "UserUnit " + Quote(userUnit.c_str()) + " has the dimension " +
+                                 xunDimensionText_(user->GetDim()) + ", but the item type has " +
+                                 xunDimensionText_(*target->m_pDimension) +
+                                 "; conversions to the user unit fail");
     }
 }
 
-void LoadFilters(const NodePtr& group) {
+void SetupLoader::LoadFilters(const NodePtr& group) {
     NodeListPtr rows = group->selectNodes(CString(kRows));
     long key = 0;
     for (long i = 0; i < rows->getlength(); ++i) {
-        const RowAttributes row(rows->Getitem(i));
+        const NodePtr rowNode = rows->Getitem(i);
+        const long line = LineOf(rowNode);
+        const RowAttributes row(rowNode);
         const Attribute ident = row.Read("Ident");
+        const std::string what =
+            m_report.Observed() ? "filter " + Quote(ident.c_str()) + ": " : std::string();
         const Attribute keyText = row.Read("KvId");
+        FirstRowLacks(keyText, i, line, "KvId", "the key 0");
         if (keyText.present)
-            key = static_cast<long>(std::strtoul(keyText.c_str(), nullptr, 0));
+            key = ReadKey(keyText, line, 0);
         const Attribute desc = row.Read("Desc");
 
-        CKVfilter* filter = new CKVfilter(desc.c_str(), key);
+        std::unique_ptr<CKVfilter> filter(new CKVfilter(desc.c_str(), key));
         filter->m_strIdent = ident.c_str();
-        if (!AddFilter_(*filter)) {
-            CKVfilter* byKey = xunFindFilterByKey_(key);
-            if (byKey != nullptr && byKey == xunFindFilterByIdent_(ident.c_str()))
+        const CKVfilter* added = filter.get();
+        if (m_registries.filters.Add(filter)) {
+            if (m_report.Observed()) {
+                m_lines[added] = line;
+                m_report.Added(m_file, line, what + "bit " + FilterBitText(key));
+            }
+        } else {
+            CKVfilter* byKey = m_registries.filters.FindByKey(key);
+            CKVfilter* byIdent = m_registries.filters.FindByIdent(ident.c_str());
+            if (byKey != nullptr && byKey == byIdent) {
                 byKey->m_strKey = desc.c_str();
-            delete filter;
+                if (m_report.Observed())
+                    m_report.Refreshed(m_file, line, what + "description");
+            } else if (m_report.Observed()) {
+                auto lineOf = [this](const void* object) {
+                    const auto it = m_lines.find(object);
+                    return it != m_lines.end() ? " (line " + std::to_string(it->second) + ")"
+                                               : std::string(" (registered before this load)");
+                };
+                const std::string rest =
+                    "; the row is dropped, but its Items still get bit " + FilterBitText(key) +
+                    (keyText.present ? "" : " (KvId carried over from the row above)");
+                if (byKey != nullptr)
+                    m_report.Dropped(m_file, line,
+                                     what + "key " + FilterBitText(key) +
+                                         " is already used by filter " +
+                                         Quote(byKey->m_strIdent) + lineOf(byKey) + rest);
+                else
+                    m_report.Dropped(m_file, line,
+                                     what + "the ident is already used by filter key " +
+                                         FilterBitText(byIdent->m_lKey) + lineOf(byIdent) + rest);
+            }
         }
+        if (m_report.Observed() && key == 0)
+            m_report.Warning(m_file, line,
+                             what + "the key 0 sets no bit: its item types join no filter");
 
         const Attribute items = row.Read("Items");
         if (!items.present)
             continue;
-        ForEachToken(items.text, [key](const CString& token) {
+        ForEachToken(items.text, [&](const CString& token) {
             // Item types are never removed and their idents are unique, so
             // the ident map finds exactly the listed item type of that ident.
-            CKVitemType* item = xunFindItemTypeByIdent_(token.GetString());
-            if (item != nullptr)
-                item->SetFilter(item->GetFilter() | key);
-            XUN_ASSERT(item != nullptr, "ok", "ItemTypeTables", 3707,
-                       "int xunSetupLoad(const char *)");
+            CKVitemType* item = m_registries.itemTypes.FindByIdent(token.GetString());
+            if (item == nullptr) {
+                m_report.Fatal(kFilterItemUnknown, m_file, line,
+                               what + "unknown item type " + Quote(token.GetString()) +
+                                   " in Items; loading would stop");
+                return;
+            }
+            item->SetFilter(item->GetFilter() | key);
         });
     }
 }
 
-int LoadDocument(const std::string& path) {
-    InitializeParser();
-    CSmartPtr<IXMLDOMDocument> document(new IXMLDOMDocument());
-    document->m_bLoadOption1 = false;
-    document->m_bLoadOption2 = true;
-    document->m_bLoadOption3 = true;
-    if (!document->load(CString(path.c_str()))) {
-        std::fprintf(stderr, "Document '%s' not parsed successfully. \n", path.c_str());
+// Groups that a load does not read: every Group element named like one of
+// the three groups but not the one a load selects (a second group of a
+// kind, or one whose first attribute is not Name, which the path predicate
+// then does not match), and R elements of a read group that are not rows
+// (not a child of a Rows child of the group).
+void SetupLoader::ReportUnreadGroups(const NodePtr& units, const NodePtr& items,
+                                     const NodePtr& filters) {
+    xercesc::DOMDocument* document = m_document->m_pDoc;
+    XMLCh groupTag[] = {'G', 'r', 'o', 'u', 'p', 0};
+    XMLCh nameTag[] = {'N', 'a', 'm', 'e', 0};
+    xercesc::DOMNodeList* groups = document->getElementsByTagName(groupTag);
+    for (XMLSize_t i = 0; groups != nullptr && i < groups->getLength(); ++i) {
+        auto* element = static_cast<xercesc::DOMElement*>(groups->item(i));
+        const CString name = IXMLDOMNode::wide2cstr(element->getAttribute(nameTag));
+        const NodePtr* selected = name == "Units"     ? &units
+                                  : name == "Items"   ? &items
+                                  : name == "Filters" ? &filters
+                                                      : nullptr;
+        if (selected == nullptr || (*selected && (*selected)->m_pNode == element))
+            continue;
+        const long line = m_document->LineOf(element);
+        if (*selected)
+            m_report.Dropped(m_file, line,
+                             "another Group " + Quote(name.GetString()) +
+                                 ": only the first one is read; its rows define nothing");
+        else
+            m_report.Dropped(m_file, line,
+                             "Group " + Quote(name.GetString()) +
+                                 " is not found by a load: its first attribute is not Name, so "
+                                 "//Group[@Name=\"" +
+                                 name.GetString() + "\"] does not match it; its rows define nothing");
+    }
+    for (const NodePtr* group : {&units, &items, &filters}) {
+        if (!*group)
+            continue;
+        NodeListPtr rows = (*group)->selectNodes(CString(kRows));
+        std::unordered_map<const xercesc::DOMNode*, bool> read;
+        for (long i = 0; i < rows->getlength(); ++i)
+            read[rows->Getitem(i)->m_pNode] = true;
+        XMLCh rowTag[] = {'R', 0};
+        auto* element = static_cast<xercesc::DOMElement*>((*group)->m_pNode);
+        xercesc::DOMNodeList* all = element->getElementsByTagName(rowTag);
+        for (XMLSize_t i = 0; all != nullptr && i < all->getLength(); ++i) {
+            const xercesc::DOMNode* r = all->item(i);
+            if (read.count(r) == 0)
+                m_report.Dropped(m_file, m_document->LineOf(r),
+                                 "this R element is not a row (rows are the R children of a Rows "
+                                 "child of the Group); it defines nothing");
+        }
+    }
+}
+
+void InitializeParser(CXunLoadReport& report, const std::string& file) {
+    try {
+        xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
+                                              nullptr, xercesc::XMLPlatformUtils::fgMemoryManager);
+    } catch (const xercesc::XMLException&) {
+        report.Message(stdout, "Error initializing Xerces\n", file, 0,
+                       "the XML parser cannot be initialised");
+    }
+}
+
+int SetupLoader::Run() {
+    InitializeParser(m_report, m_file);
+    m_document = CSmartPtr<IXMLDOMDocument>(new IXMLDOMDocument());
+    m_document->m_bLoadOption1 = false;
+    m_document->m_bLoadOption2 = true;
+    m_document->m_bLoadOption3 = true;
+    m_document->RecordLines(m_report.Observed());
+    if (!m_document->load(CString(m_file.c_str()))) {
+        m_report.Message(stderr, "Document '" + m_file + "' not parsed successfully. \n", m_file, 0,
+                         "the file cannot be read or is not well-formed XML; a load refuses it");
         return 0;
     }
-    if (NodePtr units = document->selectSingleNode(CString(kUnitsGroup)))
+    const NodePtr units = m_document->selectSingleNode(CString(kUnitsGroup));
+    const NodePtr items = m_document->selectSingleNode(CString(kItemsGroup));
+    const NodePtr filters = m_document->selectSingleNode(CString(kFiltersGroup));
+    if (m_report.Observed())
+        ReportUnreadGroups(units, items, filters);
+    if (units)
         LoadUnits(units);
-    if (NodePtr items = document->selectSingleNode(CString(kItemsGroup)))
+    if (items)
         LoadItemTypes(items);
-    if (NodePtr filters = document->selectSingleNode(CString(kFiltersGroup)))
+    if (filters)
         LoadFilters(filters);
     return 1;
 }
 
 } // namespace
 
-extern "C" {
+int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadReport& report,
+                      std::string& fileName) {
+    fileName = (path != nullptr && path[0] != '\0') ? std::string(path)
+                                                      : xunInstallDir_() + "XUN" + ".xml";
+    // The numeric locale of the host, restored after a successful load (and
+    // after a check in every case).
+    const char* current = std::setlocale(LC_NUMERIC, nullptr);
+    const std::string savedLocale = current != nullptr ? current : "C";
+    const char savedSymbol = szDecimalSymbol;
+    std::setlocale(LC_NUMERIC, "C");
+    struct Restore {
+        const CXunLoadReport& report;
+        const std::string& locale;
+        char symbol;
+        ~Restore() {
+            if (report.CheckOnly()) {
+                std::setlocale(LC_NUMERIC, locale.c_str());
+                szDecimalSymbol = symbol;
+            }
+        }
+    } restore{report, savedLocale, savedSymbol};
 
-int xunSetupLoad(const char* path) {
-    const std::string fileName = (path != nullptr && path[0] != '\0')
-                                     ? std::string(path)
-                                     : xunInstallDir_() + "XUN" + ".xml";
-    const std::string savedLocale = SaveNumericLocale();
     // The name of the loaded file is kept in a 260-byte buffer: a longer path
     // is refused like a file that cannot be read.
-    if (fileName.size() >= static_cast<size_t>(kXunPathBufferSize)) {
-        std::fprintf(stderr, "Document '%s' not parsed successfully. \n", fileName.c_str());
+    if (fileName.size() >= static_cast<size_t>(kPathBufferSize)) {
+        report.Message(stderr, "Document '" + fileName + "' not parsed successfully. \n", fileName,
+                       0,
+                       "the path has " + std::to_string(fileName.size()) +
+                           " bytes; a load refuses paths of 260 bytes or more");
         return 0;
     }
     int result = 0;
     try {
-        result = LoadDocument(fileName);
+        result = SetupLoader(registries, report, fileName).Run();
     } catch (const xercesc::XMLException&) {
         result = 0;
     } catch (const xercesc::OutOfMemoryException&) {
-        result = 0;
-    } catch (const std::exception&) {
-        result = 0;
+        throw std::bad_alloc();
     }
-    if (result == 0)
-        return 0;
+    if (result == 0 || report.CheckOnly())
+        return result;
     xunCopyPath_(szDocName, fileName.c_str());
     std::setlocale(LC_NUMERIC, savedLocale.c_str());
     return 1;
 }
-
-int xunSetupLoadLinux(const char* path) {
-    return xunSetupLoad(path);
-}
-
-} // extern "C"

@@ -1,11 +1,8 @@
-// Derived units: the registered unit that is a power, product or quotient of
-// units, and the factors for integrating or deriving a quantity over a
-// single base dimension.
+#include "units/KVderived.h"
+
 #include <cmath>
 
-#include "registry/UnitRegistry.h"
 #include "units/KVunit.h"
-#include "xun.h"
 
 namespace {
 
@@ -14,12 +11,15 @@ const double kFactorTolerance = 1e-14;
 
 // Looks for the registered unit that equals the derived unit d: same
 // dimension and the same factor within a relative difference of 1e-12.
-int FindDerived(const CKVunit& d, int* matchKey, int* eqvKey, double* factor) {
-    for (const CKVunit* w : UnitList_) {
+XunDerived FindDerived(const IUnitSet& units, const CKVunit& d, int* matchKey, int* eqvKey,
+                       double* factor) {
+    const std::size_t count = units.UnitCount();
+    for (std::size_t i = 0; i < count; ++i) {
+        const CKVunit* w = units.UnitAt(i);
         if (w == nullptr || !w->IsEqv(d))
             continue;
         if (*eqvKey == 0) {
-            const CKVunit* first = xunFirstEqvUnit_(w->GetDim());
+            const CKVunit* first = xunFirstUnitOfDimension_(units, w->GetDim());
             if (first != nullptr)
                 *eqvKey = static_cast<int>(first->m_lKey);
             *factor = d.m_dFactor;
@@ -32,28 +32,37 @@ int FindDerived(const CKVunit& d, int* matchKey, int* eqvKey, double* factor) {
             break;
         }
     }
-    return *eqvKey != 0 ? 1 : 0;
+    return *eqvKey != 0 ? XunDerived::Ok : XunDerived::NoUnitOfDimension;
+}
+
+void Start(int* matchKey, int* eqvKey, double* factor) {
+    *factor = 1.0;
+    *matchKey = 0;
+    *eqvKey = 0;
 }
 
 // Integration (derive = false) or derivation of a quantity in unit over a
 // variable of a single base dimension.
-int IntegrationOrDerivation(bool derive, int unitKey, int variableKey, int* resultKey,
-                            int* inverseKey, double* factor) {
-    *resultKey = unitKey;
+XunDerived IntegrationOrDerivation(const IUnitSet& units, bool derive, long unitKey,
+                                   long variableKey, int* resultKey, int* inverseKey,
+                                   double* factor) {
+    *resultKey = static_cast<int>(unitKey);
     *inverseKey = 0;
     *factor = 1.0;
-    const CKVunit* unit = xunFindUnitByKey_(unitKey);
-    const CKVunit* variable = xunFindUnitByKey_(variableKey);
-    if (unit == nullptr || variable == nullptr)
-        return 0;
+    const CKVunit* unit = units.FindUnitByKey(unitKey);
+    const CKVunit* variable = units.FindUnitByKey(variableKey);
+    if (unit == nullptr)
+        return XunDerived::UnknownFirst;
+    if (variable == nullptr)
+        return XunDerived::UnknownSecond;
     const int k = variable->GetDim().GetDimType();
     if (k < 1 || k > CKVdimension::kBaseCount)
-        return 0;
+        return XunDerived::CompositeVariable;
     const double e = unit->GetDim().GetPower(k);
     const double fu = unit->m_dDimFactors[k - 1];
     const double fx = variable->m_dDimFactors[k - 1];
     if (e == 0.0)
-        return 0;
+        return XunDerived::VariableNotInUnit;
     const double s = derive ? std::pow(fu, 1.0 / e) / fx : fx * std::pow(fu, -1.0 / e);
     double correction[CKVdimension::kBaseCount];
     for (double& slot : correction)
@@ -62,13 +71,15 @@ int IntegrationOrDerivation(bool derive, int unitKey, int variableKey, int* resu
     *factor = s;
     *resultKey = 0;
 
+    const std::size_t count = units.UnitCount();
     const CKVunit r(derive ? *unit / *variable : *unit * *variable);
-    for (const CKVunit* w : UnitList_) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const CKVunit* w = units.UnitAt(i);
         if (w == nullptr || !w->IsEqv(r))
             continue;
         bool same = std::fabs(1 - r.m_dFactor / (w->m_dFactor * s)) < kFactorTolerance;
-        for (int i = 0; same && i < CKVdimension::kBaseCount; ++i)
-            same = std::fabs(1 - r.m_dDimFactors[i] / (w->m_dDimFactors[i] * correction[i])) <
+        for (int j = 0; same && j < CKVdimension::kBaseCount; ++j)
+            same = std::fabs(1 - r.m_dDimFactors[j] / (w->m_dDimFactors[j] * correction[j])) <
                    kFactorTolerance;
         if (same) {
             *resultKey = static_cast<int>(w->m_lKey);
@@ -77,68 +88,76 @@ int IntegrationOrDerivation(bool derive, int unitKey, int variableKey, int* resu
     }
 
     const CKVunit q(*unit / r);
-    for (const CKVunit* w : UnitList_) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const CKVunit* w = units.UnitAt(i);
         if (w == nullptr || !w->IsEqv(q))
             continue;
         bool same = std::fabs(1 - s * q.m_dFactor / w->m_dFactor) < kFactorTolerance;
-        for (int i = 0; same && i < CKVdimension::kBaseCount; ++i)
-            same = std::fabs(1 - q.m_dDimFactors[i] * correction[i] / w->m_dDimFactors[i]) <
+        for (int j = 0; same && j < CKVdimension::kBaseCount; ++j)
+            same = std::fabs(1 - q.m_dDimFactors[j] * correction[j] / w->m_dDimFactors[j]) <
                    kFactorTolerance;
         if (same) {
             *inverseKey = static_cast<int>(w->m_lKey);
             break;
         }
     }
-    return 1;
+    return XunDerived::Ok;
 }
 
 } // namespace
 
-extern "C" {
+const CKVunit* xunFirstUnitOfDimension_(const IUnitSet& units, const CKVdimension& dim) {
+    const std::size_t count = units.UnitCount();
+    for (std::size_t i = 0; i < count; ++i) {
+        const CKVunit* unit = units.UnitAt(i);
+        if (unit != nullptr && unit->IsEqv(dim) && unit->m_lKey != 0)
+            return unit;
+    }
+    return nullptr;
+}
 
-int xunUnitPower(int unit, int* matchKey, int* eqvKey, double* factor, double power) {
-    *factor = 1.0;
-    *matchKey = 0;
-    *eqvKey = 0;
-    const CKVunit* u = xunFindUnitByKey_(unit);
+XunDerived xunDerivePower_(const IUnitSet& units, long unit, double power, int* matchKey,
+                           int* eqvKey, double* factor) {
+    Start(matchKey, eqvKey, factor);
+    const CKVunit* u = units.FindUnitByKey(unit);
     if (u == nullptr)
-        return 0;
+        return XunDerived::UnknownFirst;
     const CKVunit d(*u ^ power);
-    return FindDerived(d, matchKey, eqvKey, factor);
+    return FindDerived(units, d, matchKey, eqvKey, factor);
 }
 
-int xunUnitMultiply(int unit1, int unit2, int* matchKey, int* eqvKey, double* factor) {
-    *factor = 1.0;
-    *matchKey = 0;
-    *eqvKey = 0;
-    const CKVunit* u1 = xunFindUnitByKey_(unit1);
-    const CKVunit* u2 = xunFindUnitByKey_(unit2);
-    if (u1 == nullptr || u2 == nullptr)
-        return 0;
+XunDerived xunDeriveProduct_(const IUnitSet& units, long unit1, long unit2, int* matchKey,
+                             int* eqvKey, double* factor) {
+    Start(matchKey, eqvKey, factor);
+    const CKVunit* u1 = units.FindUnitByKey(unit1);
+    const CKVunit* u2 = units.FindUnitByKey(unit2);
+    if (u1 == nullptr)
+        return XunDerived::UnknownFirst;
+    if (u2 == nullptr)
+        return XunDerived::UnknownSecond;
     const CKVunit d(*u1 * *u2);
-    return FindDerived(d, matchKey, eqvKey, factor);
+    return FindDerived(units, d, matchKey, eqvKey, factor);
 }
 
-int xunUnitDivide(int unit1, int unit2, int* matchKey, int* eqvKey, double* factor) {
-    *factor = 1.0;
-    *matchKey = 0;
-    *eqvKey = 0;
-    const CKVunit* u1 = xunFindUnitByKey_(unit1);
-    const CKVunit* u2 = xunFindUnitByKey_(unit2);
-    if (u1 == nullptr || u2 == nullptr)
-        return 0;
+XunDerived xunDeriveQuotient_(const IUnitSet& units, long unit1, long unit2, int* matchKey,
+                              int* eqvKey, double* factor) {
+    Start(matchKey, eqvKey, factor);
+    const CKVunit* u1 = units.FindUnitByKey(unit1);
+    const CKVunit* u2 = units.FindUnitByKey(unit2);
+    if (u1 == nullptr)
+        return XunDerived::UnknownFirst;
+    if (u2 == nullptr)
+        return XunDerived::UnknownSecond;
     const CKVunit d(*u1 / *u2);
-    return FindDerived(d, matchKey, eqvKey, factor);
+    return FindDerived(units, d, matchKey, eqvKey, factor);
 }
 
-int xunUnitGetIntegrationFactor(int unit, int variable, int* resultKey, int* inverseKey,
-                                double* factor) {
-    return IntegrationOrDerivation(false, unit, variable, resultKey, inverseKey, factor);
+XunDerived xunIntegrationFactor_(const IUnitSet& units, long unit, long variable, int* resultKey,
+                                 int* inverseKey, double* factor) {
+    return IntegrationOrDerivation(units, false, unit, variable, resultKey, inverseKey, factor);
 }
 
-int xunUnitGetDerivationFactor(int unit, int variable, int* resultKey, int* inverseKey,
-                               double* factor) {
-    return IntegrationOrDerivation(true, unit, variable, resultKey, inverseKey, factor);
+XunDerived xunDerivationFactor_(const IUnitSet& units, long unit, long variable, int* resultKey,
+                                int* inverseKey, double* factor) {
+    return IntegrationOrDerivation(units, true, unit, variable, resultKey, inverseKey, factor);
 }
-
-} // extern "C"

@@ -1,5 +1,7 @@
 #include "units/KVdim.h"
 
+#include <charconv>
+
 CKVdimension::CKVdimension(const double& length, const double& mass, const double& time,
                            const double& temperature, const double& current,
                            const double& substance, const double& luminous)
@@ -91,4 +93,25 @@ CKVdimension operator^(const CKVdimension& a, const double& p) {
     for (int i = 0; i < CKVdimension::kBaseCount; ++i)
         r.m_dPowers[i] = a.m_dPowers[i] * p;
     return r;
+}
+
+std::string xunDimensionText_(const CKVdimension& dim) {
+    static const char* const kSymbols[CKVdimension::kBaseCount] = {"L", "M", "T", "\u0398",
+                                                                   "I", "N", "J"};
+    std::string text;
+    for (int i = 1; i <= CKVdimension::kBaseCount; ++i) {
+        const double p = dim.GetPower(i);
+        if (p == 0.0)
+            continue;
+        if (!text.empty())
+            text += " ";
+        text += kSymbols[i - 1];
+        if (p != 1.0) {
+            // The shortest text that reads back to the same exponent.
+            char number[32];
+            const std::to_chars_result written = std::to_chars(number, number + sizeof number, p);
+            text.append(number, written.ptr);
+        }
+    }
+    return text.empty() ? "1" : text;
 }

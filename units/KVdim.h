@@ -1,6 +1,8 @@
 // CKVdimension: the physical dimension of a unit as seven real exponents.
 #pragma once
 
+#include <string>
+
 class CKVdimension {
   public:
     // Exponents in base order: length, mass, time, temperature, electric
@@ -51,3 +53,9 @@ CKVdimension operator*(const CKVdimension& a, const CKVdimension& b);
 CKVdimension operator/(const CKVdimension& a, const CKVdimension& b);
 // Dimension of a power: exponents multiplied by p.
 CKVdimension operator^(const CKVdimension& a, const double& p);
+
+// A dimension as people write it: "L T-1", "L-1 M T-2", "1" for none (L
+// length, M mass, T time, Θ temperature, I electric current, N amount of
+// substance, J luminous intensity; each exponent the shortest text that
+// reads back to it).
+std::string xunDimensionText_(const CKVdimension& dim);

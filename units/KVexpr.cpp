@@ -11,8 +11,8 @@
 #include <unordered_map>
 #include <vector>
 
-#include "registry/UnitRegistry.h"
 #include "units/KVunit.h"
+#include "units/UnitSet.h"
 
 char szDecimalSymbol = ' ';
 
@@ -120,7 +120,8 @@ Step Done(bool ok) {
 
 class Evaluator {
   public:
-    Evaluator(const char* text, size_t length) : m_text(text), m_length(length) {}
+    Evaluator(const char* text, size_t length, const IUnitSet& units)
+        : m_text(text), m_length(length), m_units(units) {}
 
     Outcome Run();
 
@@ -143,6 +144,7 @@ class Evaluator {
 
     const char* m_text;
     size_t m_length;
+    const IUnitSet& m_units;
     std::vector<Frame> m_frames;
     // Frames on the stack that were started after a sign.
     size_t m_signFrames = 0;
@@ -345,7 +347,7 @@ bool Evaluator::ReadName(Frame& f, Operand& operand) {
         return false;
     const std::string name(m_text + f.pos, length);
     f.pos = end;
-    if (const CKVunit* unit = xunFindUnitByIdent_(name)) {
+    if (const CKVunit* unit = m_units.FindUnitByIdent(name)) {
         operand.unit = unit;
         return true;
     }
@@ -442,11 +444,12 @@ void DetermineDecimalSymbol() {
 
 } // namespace
 
-bool bEvaluateExpression(const char* expr, CKVunit** unit, double** value) {
+bool xunEvaluateExpression_(const char* expr, const IUnitSet& units, CKVunit** unit,
+                            double** value) {
     *unit = nullptr;
     *value = nullptr;
     DetermineDecimalSymbol();
-    Outcome outcome = Evaluator(expr, std::strlen(expr)).Run();
+    Outcome outcome = Evaluator(expr, std::strlen(expr), units).Run();
     if (outcome.value)
         *value = new double(*outcome.value);
     *unit = outcome.unit.release();

@@ -1,20 +1,18 @@
 #include "units/KVunit.h"
 
 #include <cmath>
+#include <memory>
 
-#include "units/KVassert.h"
+#include "common/Assert.h"
 
 namespace {
-const char kSource[] = "KVunit";
-const char kAssertValid[] = "void CKVunit::AssertValid() const";
-
 void AssertFactor(double factor) {
-    XUN_ASSERT(factor != 0.0, "m_dFactor", kSource, 285, kAssertValid);
+    XUN_ASSERT(factor != 0.0, xun::contract::kUnitFactor);
 }
 
 // The invariant check at the end of a constructor that may have allocated
 // the unit's own dimension. When a check fails and the assertion hook throws
-// (xunSetAssertHook_ allows that), the constructor does not complete and the
+// (an assertion trap or hook does that), the constructor does not complete and the
 // destructor never runs, so the dimension is freed here before the exception
 // leaves.
 void AssertValidWhileConstructing(CKVunit& unit) {
@@ -81,6 +79,15 @@ CKVunit::CKVunit(const double& factor, const CKVdimension& dim)
     AssertValidWhileConstructing(*this);
 }
 
+std::unique_ptr<CKVunit> xunCloneUnit_(const CKVunit& unit) {
+    std::unique_ptr<CKVunit> copy(new CKVunit(unit.m_strDesc, unit.m_strAbbr, unit.m_lKey, unit));
+    copy->m_lstAlias = unit.m_lstAlias;
+    copy->m_strIdent = unit.m_strIdent;
+    copy->m_strExpr = unit.m_strExpr;
+    copy->m_dOffset = unit.m_dOffset;
+    return copy;
+}
+
 CKVunit::~CKVunit() {
     delete m_pDimTemp;
 }
@@ -107,7 +114,7 @@ void CKVunit::ScaleSingleBaseSlot(const double& d, bool divide) {
 
 void CKVunit::AssertValid() const {
     XUN_ASSERT((m_pDimParent == nullptr) != (m_pDimTemp == nullptr),
-               "(m_pDimParent == 0) != (m_pDimTemp == 0)", kSource, 284, kAssertValid);
+               xun::contract::kUnitOneDimension);
     AssertFactor(m_dFactor);
 }
 

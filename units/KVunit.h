@@ -3,6 +3,7 @@
 #pragma once
 
 #include <list>
+#include <memory>
 #include <string>
 
 #include "units/KVdim.h"
@@ -82,3 +83,8 @@ CKVunit operator*(const CKVunit& u, const double& d);
 CKVunit operator/(const CKVunit& u, const double& d);
 CKVunit operator/(const double& d, const CKVunit& u);
 CKVunit operator^(const CKVunit& u, const double& p);
+
+// A copy that keeps everything of the unit: names, aliases, expression,
+// key, offset, factor, per-dimension factors and dimension (shared when the
+// unit borrows it, else copied).
+std::unique_ptr<CKVunit> xunCloneUnit_(const CKVunit& unit);

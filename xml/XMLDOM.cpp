@@ -8,6 +8,8 @@
 #include <xercesc/dom/DOMNodeList.hpp>
 #include <xercesc/framework/LocalFileInputSource.hpp>
 #include <xercesc/framework/URLInputSource.hpp>
+#include <xercesc/internal/XMLScanner.hpp>
+#include <xercesc/sax/Locator.hpp>
 #include <xercesc/sax/SAXException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
@@ -231,9 +233,68 @@ CSmartPtr<IXMLDOMNode> IXMLDOMNodeList::Getitem(long index) {
 }
 
 // ---------------------------------------------------------------------------
+// CLineRecordingParser
+
+long CLineRecordingParser::CurrentLine() const {
+    const xercesc::XMLScanner* scanner = getScanner();
+    const xercesc::Locator* locator = scanner != nullptr ? scanner->getLocator() : nullptr;
+    return locator != nullptr ? static_cast<long>(locator->getLineNumber()) : 0;
+}
+
+long CLineRecordingParser::LineOf(const DOMNode* node) const {
+    const auto it = m_lines.find(node);
+    return it != m_lines.end() ? it->second : 0;
+}
+
+void CLineRecordingParser::startElement(const xercesc::XMLElementDecl& elemDecl,
+                                        const unsigned int urlId, const XMLCh* const elemPrefix,
+                                        const xercesc::RefVectorOf<xercesc::XMLAttr>& attrList,
+                                        const XMLSize_t attrCount, const bool isEmpty,
+                                        const bool isRoot) {
+    const long start = m_lineAfterLastEvent;
+    xercesc::XercesDOMParser::startElement(elemDecl, urlId, elemPrefix, attrList, attrCount,
+                                           isEmpty, isRoot);
+    if (m_bRecord) {
+        // The new element is the current node until its content begins (an
+        // empty element: until endElement, which follows at once).
+        if (const DOMNode* element = getCurrentNode())
+            m_lines[element] = start;
+        m_lineAfterLastEvent = CurrentLine();
+    }
+}
+
+void CLineRecordingParser::endElement(const xercesc::XMLElementDecl& elemDecl,
+                                      const unsigned int urlId, const bool isRoot,
+                                      const XMLCh* const elemPrefix) {
+    xercesc::XercesDOMParser::endElement(elemDecl, urlId, isRoot, elemPrefix);
+    if (m_bRecord)
+        m_lineAfterLastEvent = CurrentLine();
+}
+
+void CLineRecordingParser::docCharacters(const XMLCh* const chars, const XMLSize_t length,
+                                         const bool cdataSection) {
+    xercesc::XercesDOMParser::docCharacters(chars, length, cdataSection);
+    if (m_bRecord)
+        m_lineAfterLastEvent = CurrentLine();
+}
+
+void CLineRecordingParser::ignorableWhitespace(const XMLCh* const chars, const XMLSize_t length,
+                                               const bool cdataSection) {
+    xercesc::XercesDOMParser::ignorableWhitespace(chars, length, cdataSection);
+    if (m_bRecord)
+        m_lineAfterLastEvent = CurrentLine();
+}
+
+void CLineRecordingParser::docComment(const XMLCh* const comment) {
+    xercesc::XercesDOMParser::docComment(comment);
+    if (m_bRecord)
+        m_lineAfterLastEvent = CurrentLine();
+}
+
+// ---------------------------------------------------------------------------
 // IXMLDOMDocument
 
-IXMLDOMDocument::IXMLDOMDocument() : m_parser(nullptr, XMLPlatformUtils::fgMemoryManager, nullptr) {
+IXMLDOMDocument::IXMLDOMDocument() : m_parser(XMLPlatformUtils::fgMemoryManager) {
     m_parser.setErrorHandler(&m_errorCounter);
     m_parser.setSecurityManager(&m_securityManager);
     // Every external DTD and entity goes through the resolver, which never
@@ -292,6 +353,7 @@ bool IXMLDOMDocument::load(const CString& fileName) {
         m_parser.setValidationScheme(xercesc::XercesDOMParser::Val_Always);
         m_parser.setDoNamespaces(true);
         m_errorCounter.resetErrors();
+        m_parser.StartDocument();
         m_parser.parse(fileName.GetString());
         DOMDocument* doc = m_parser.adoptDocument();
         if (m_errorCounter.m_nFatalErrors != 0 || doc == nullptr ||

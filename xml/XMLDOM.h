@@ -20,6 +20,7 @@
 
 #include <SmartPtr>
 
+#include <unordered_map>
 #include <vector>
 
 #include <xercesc/dom/DOMDocument.hpp>
@@ -184,12 +185,55 @@ class IXMLDOMNodeList : public CSmartPtrAble {
     CLengthProperty length{this};
 };
 
+// The parser of a document, which can also note the line on which each
+// element starts (for reports about a file; off unless asked for).
+class CLineRecordingParser : public xercesc::XercesDOMParser {
+  public:
+    explicit CLineRecordingParser(xercesc::MemoryManager* memoryManager)
+        : xercesc::XercesDOMParser(nullptr, memoryManager, nullptr) {}
+
+    // Turns the noting of lines on or off for the next parses.
+    void RecordLines(bool on) { m_bRecord = on; }
+    // The line on which an element of the last parse starts; 0 when unknown.
+    long LineOf(const xercesc::DOMNode* node) const;
+    // Called before each parse.
+    void StartDocument() { m_lineAfterLastEvent = 1; }
+
+    void startElement(const xercesc::XMLElementDecl& elemDecl, const unsigned int urlId,
+                      const XMLCh* const elemPrefix,
+                      const xercesc::RefVectorOf<xercesc::XMLAttr>& attrList,
+                      const XMLSize_t attrCount, const bool isEmpty, const bool isRoot) override;
+    void endElement(const xercesc::XMLElementDecl& elemDecl, const unsigned int urlId,
+                    const bool isRoot, const XMLCh* const elemPrefix) override;
+    void docCharacters(const XMLCh* const chars, const XMLSize_t length,
+                       const bool cdataSection) override;
+    void ignorableWhitespace(const XMLCh* const chars, const XMLSize_t length,
+                             const bool cdataSection) override;
+    void docComment(const XMLCh* const comment) override;
+
+  private:
+    long CurrentLine() const;
+
+    bool m_bRecord = false;
+    // The line where the scanner stood after the last event: an element's
+    // start tag begins there (the scanner reports it only at its end).
+    long m_lineAfterLastEvent = 1;
+    std::unordered_map<const xercesc::DOMNode*, long> m_lines;
+};
+
 class IXMLDOMDocument : public CSmartPtrAble {
   public:
     // Requires an initialised parser platform.
     IXMLDOMDocument();
     // Releases the current document and every earlier one.
     ~IXMLDOMDocument() override;
+
+    // Notes the line on which each element starts in the documents loaded
+    // from now on (see LineOf); off after construction.
+    void RecordLines(bool on) { m_parser.RecordLines(on); }
+    // The line on which an element of a loaded document starts; 0 when
+    // lines were not recorded.
+    long LineOf(const xercesc::DOMNode* node) const { return m_parser.LineOf(node); }
 
     // Parses the file with the validation scheme "always" and namespace
     // processing, and takes the document over. Returns true when the file
@@ -249,7 +293,7 @@ class IXMLDOMDocument : public CSmartPtrAble {
     std::vector<xercesc::DOMDocument*> m_earlierDocs; // owned, from earlier loads
 
   public:
-    xercesc::XercesDOMParser m_parser;
+    CLineRecordingParser m_parser;
     xercesc::DOMDocument* m_pDoc = nullptr; // owned; null until a successful load
 };
 

@@ -13,10 +13,11 @@
 
 #include <string>
 
-#include "units/KVassert.h"
+#include "common/Assert.h"
 #include "units/KVexpr.h"
 #include "units/KVunit.h"
 #include "units/unit_fixture.h"
+#include "registry_access.h"
 
 namespace {
 

@@ -19,6 +19,7 @@
 
 #include "registry/UnitRegistry.h"
 #include "xun.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -112,7 +113,7 @@ const char kUnits[] = "<XUN><Group Name=\"Units\"><Rows>"
                       "</Rows></Group></XUN>\n";
 
 std::string DescOf(long key) {
-    const CKVunit* unit = xunFindUnitByKey_(key);
+    const CKVunit* unit = xuntest::UnitByKey(key);
     return unit != nullptr ? unit->m_strDesc : "(no unit)";
 }
 
@@ -125,7 +126,7 @@ TEST_F(ExternalEntities, NetworkDtdIsNotFetchedAndTheLoadFails) {
     EXPECT_EQ(Load(path, &err), 0);
     EXPECT_EQ(err, "Document '" + path + "' not parsed successfully. \n");
     EXPECT_EQ(listener.connections(), 0);
-    EXPECT_TRUE(UnitList_.empty());
+    EXPECT_TRUE((xuntest::Registries().units.Count() == 0));
 }
 
 TEST_F(ExternalEntities, NetworkEntityIsNotFetchedAndTheLoadFails) {
@@ -143,7 +144,7 @@ TEST_F(ExternalEntities, NetworkEntityIsNotFetchedAndTheLoadFails) {
     EXPECT_EQ(Load(path, &err), 0);
     EXPECT_EQ(err, "Document '" + path + "' not parsed successfully. \n");
     EXPECT_EQ(listener.connections(), 0);
-    EXPECT_TRUE(UnitList_.empty());
+    EXPECT_TRUE((xuntest::Registries().units.Count() == 0));
 }
 
 TEST_F(ExternalEntities, FileUrlWithAHostIsRefused) {
@@ -157,7 +158,7 @@ TEST_F(ExternalEntities, FileUrlWithAHostIsRefused) {
     std::string err;
     EXPECT_EQ(Load(path, &err), 0);
     EXPECT_EQ(listener.connections(), 0);
-    EXPECT_TRUE(UnitList_.empty());
+    EXPECT_TRUE((xuntest::Registries().units.Count() == 0));
 }
 
 TEST_F(ExternalEntities, DtdByRelativePathIsReadFromTheDocumentsFolder) {
@@ -193,7 +194,7 @@ TEST_F(ExternalEntities, LocalEntityIsExpanded) {
     std::string err;
     ASSERT_EQ(Load(path, &err), 1);
     EXPECT_EQ(err, "");
-    EXPECT_NE(xunFindUnitByKey_(1000), nullptr);
+    EXPECT_NE(xuntest::UnitByKey(1000), nullptr);
 }
 
 TEST_F(ExternalEntities, MissingLocalDtdFailsTheLoad) {

@@ -22,6 +22,7 @@
 #include "setup/Installation.h"
 #include "xml/CString.h"
 #include "xun.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -69,24 +70,24 @@ class PathLimits : public ::testing::Test {
 };
 
 TEST_F(PathLimits, SetupPathOf259BytesLoads) {
-    const std::string path = SetupFileOfLength(kXunPathBufferSize - 1);
+    const std::string path = SetupFileOfLength(xun::contract::kPathBufferSize - 1);
     std::string err;
     ASSERT_EQ(Load(path, &err), 1);
     EXPECT_EQ(err, "");
-    EXPECT_NE(xunFindUnitByKey_(1000), nullptr);
+    EXPECT_NE(xuntest::UnitByKey(1000), nullptr);
     const char* loaded = nullptr;
     xunSetupGetPath(&loaded);
     EXPECT_EQ(std::string(loaded), path);
 }
 
 TEST_F(PathLimits, SetupPathOf260BytesIsRefused) {
-    const std::string path = SetupFileOfLength(kXunPathBufferSize);
+    const std::string path = SetupFileOfLength(xun::contract::kPathBufferSize);
     std::ifstream exists(path);
     ASSERT_TRUE(exists.good());
     std::string err;
     EXPECT_EQ(Load(path, &err), 0);
     EXPECT_EQ(err, "Document '" + path + "' not parsed successfully. \n");
-    EXPECT_TRUE(UnitList_.empty());
+    EXPECT_TRUE((xuntest::Registries().units.Count() == 0));
     const char* loaded = nullptr;
     xunSetupGetPath(&loaded);
     EXPECT_STREQ(loaded, "");
@@ -94,7 +95,7 @@ TEST_F(PathLimits, SetupPathOf260BytesIsRefused) {
 
 TEST_F(PathLimits, DefaultPathFromALongHomeIsRefused) {
     // KORVANE_HOME + "/bin/XUN.xml" is 260 bytes.
-    const std::string home = "/" + std::string(kXunPathBufferSize - 13, 'h');
+    const std::string home = "/" + std::string(xun::contract::kPathBufferSize - 13, 'h');
     setenv("KORVANE_HOME", home.c_str(), 1);
     std::string err;
     EXPECT_EQ(Load("", &err), 0);
@@ -102,19 +103,19 @@ TEST_F(PathLimits, DefaultPathFromALongHomeIsRefused) {
 }
 
 TEST_F(PathLimits, DllFileNameKeepsAtMost259Bytes) {
-    const std::string longest = SetupFileOfLength(kXunPathBufferSize - 1);
+    const std::string longest = SetupFileOfLength(xun::contract::kPathBufferSize - 1);
     testing::internal::CaptureStdout();
     testing::internal::CaptureStderr();
     xunLoadItemTypeTables(longest.c_str());
     EXPECT_EQ(std::string(szDllFileName), longest);
-    EXPECT_NE(xunFindUnitByKey_(1000), nullptr);
+    EXPECT_NE(xuntest::UnitByKey(1000), nullptr);
 
     const std::string tooLong = "/" + std::string(300, 'z') + ".xml";
     xunLoadItemTypeTables(tooLong.c_str());
     testing::internal::GetCapturedStdout();
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "Document '" + tooLong + "' not parsed successfully. \n");
-    EXPECT_EQ(std::string(szDllFileName), tooLong.substr(0, kXunPathBufferSize - 1));
+    EXPECT_EQ(std::string(szDllFileName), tooLong.substr(0, xun::contract::kPathBufferSize - 1));
 }
 
 // CString holds at most INT_MAX - 1 bytes; a text that would make it longer

@@ -6,6 +6,7 @@
 
 #include "registry/registry_fixture.h"
 #include "xun.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -40,7 +41,7 @@ TEST_F(UnitBaseGroup, AssignmentsApplyInFileOrder) {
     LoadUnitBaseGroupFile(name.data());
     // 100 -> 1001, then 100 -> 1000: the later assignment wins.
     EXPECT_EQ(UserUnit(100), 1000);
-    EXPECT_EQ(xunFindItemTypeByKey_(100)->m_lUserUnit, 1000);
+    EXPECT_EQ(xuntest::ItemByKey(100)->m_lUserUnit, 1000);
     EXPECT_EQ(UserUnit(8), 1100);
 }
 
@@ -48,7 +49,7 @@ TEST_F(UnitBaseGroup, EmptyNameLoadsNothing) {
     char empty[] = "";
     LoadUnitBaseGroupFile(empty);
     LoadUnitBaseGroupFile(nullptr);
-    EXPECT_EQ(xunFindItemTypeByKey_(100)->m_lUserUnit, -1);
+    EXPECT_EQ(xuntest::ItemByKey(100)->m_lUserUnit, -1);
     EXPECT_EQ(UserUnit(100), 1000);
 }
 
@@ -61,7 +62,7 @@ TEST_F(UnitBaseGroup, MissingSectionOrKeywordChangesNothing) {
     LoadUnitBaseGroupFile(missing.data());
     std::vector<char> broken = File("ubg_syntax_error.kw");
     LoadUnitBaseGroupFile(broken.data());
-    EXPECT_EQ(xunFindItemTypeByKey_(100)->m_lUserUnit, -1);
+    EXPECT_EQ(xuntest::ItemByKey(100)->m_lUserUnit, -1);
 }
 
 TEST_F(UnitBaseGroup, RefusedAssignmentsAreSkipped) {

@@ -11,6 +11,7 @@
 #include "registry/FilterRegistry.h"
 #include "registry/ItemTypeRegistry.h"
 #include "units/unit_fixture.h"
+#include "registry_access.h"
 
 namespace xuntest {
 
@@ -20,9 +21,9 @@ inline CKVitemType* RegisterItemType(const char* ident, long key, const CKVdimen
                                      std::initializer_list<const char*> units = {},
                                      const char* desc = nullptr) {
     CKVitemType* item = new CKVitemType(desc ? desc : ident, key, ident, dim);
-    EXPECT_EQ(AddItemType_(key, *item), 1) << ident;
+    EXPECT_EQ(xuntest::AddItemType(item), 1) << ident;
     for (const char* unitIdent : units) {
-        CKVunit* unit = xunFindUnitByIdent_(unitIdent);
+        const CKVunit* unit = xuntest::UnitByIdent(unitIdent);
         EXPECT_NE(unit, nullptr) << unitIdent;
         if (unit != nullptr) {
             EXPECT_TRUE(item->AllowUnit(*unit, false)) << unitIdent;
@@ -35,7 +36,7 @@ inline CKVitemType* RegisterItemType(const char* ident, long key, const CKVdimen
 inline CKVfilter* RegisterFilter(const char* ident, long bit, const char* desc = nullptr) {
     CKVfilter* filter = new CKVfilter(desc ? desc : ident, bit);
     filter->m_strIdent = ident;
-    EXPECT_EQ(AddFilter_(*filter), 1) << ident;
+    EXPECT_EQ(xuntest::AddFilter(filter), 1) << ident;
     return filter;
 }
 

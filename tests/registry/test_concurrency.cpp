@@ -17,6 +17,7 @@
 #include "registry/ItemTypeRegistry.h"
 #include "registry/UnitRegistry.h"
 #include "xun.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -59,16 +60,16 @@ struct Keys {
 
 Keys CollectKeys() {
     Keys keys;
-    for (const CKVunit* unit : UnitList_) {
+    for (const CKVunit* unit : xuntest::Registries().units) {
         keys.units.push_back(static_cast<int>(unit->m_lKey));
         keys.unitIdents.push_back(unit->m_strIdent);
         keys.unitNames.push_back(unit->m_strDesc + "s");
     }
-    for (const CKVitemType* item : ItemTypeList_) {
+    for (const CKVitemType* item : xuntest::Registries().itemTypes) {
         keys.items.push_back(static_cast<int>(item->m_nNumId));
         keys.itemIdents.push_back(item->m_strIdent);
     }
-    for (const CKVfilter* filter : FilterList_) {
+    for (const CKVfilter* filter : xuntest::Registries().filters) {
         keys.filters.push_back(static_cast<int>(static_cast<long>(*filter)));
         keys.filterIdents.push_back(filter->m_strIdent);
     }
@@ -265,7 +266,7 @@ TEST(Concurrency, LookupsAndConversionsFromSeveralThreads) {
     testing::internal::CaptureStdout();
     xunLoadItemTypeTables("");
     testing::internal::GetCapturedStdout();
-    ASSERT_GT(UnitList_.size(), 300u);
+    ASSERT_GT(xuntest::Registries().units.Count(), 300u);
     const Keys keys = CollectKeys();
 
     const unsigned kRounds = 1500;
@@ -273,10 +274,9 @@ TEST(Concurrency, LookupsAndConversionsFromSeveralThreads) {
     for (unsigned round = 0; round < kRounds; ++round)
         expected[round] = Round(keys, round);
 
-    const size_t units = UnitList_.size(), unitMap = UnitMap_.size(),
-                 unitStrings = UnitStringMap_.size(), items = ItemTypeMap_.size(),
-                 itemStrings = ItemTypeStringMap_.size(), filters = FilterMap_.size(),
-                 filterStrings = FilterStringMap_.size();
+    const size_t units = xuntest::Registries().units.Count(),
+                 items = xuntest::Registries().itemTypes.Count(),
+                 filters = xuntest::Registries().filters.Count();
 
     const unsigned kThreads = 4;
     std::vector<unsigned> mismatches(kThreads, 0);
@@ -296,14 +296,11 @@ TEST(Concurrency, LookupsAndConversionsFromSeveralThreads) {
     for (unsigned t = 0; t < kThreads; ++t)
         EXPECT_EQ(mismatches[t], 0u) << "thread " << t;
 
-    // Nothing was added to any container on the way.
-    EXPECT_EQ(UnitList_.size(), units);
-    EXPECT_EQ(UnitMap_.size(), unitMap);
-    EXPECT_EQ(UnitStringMap_.size(), unitStrings);
-    EXPECT_EQ(ItemTypeMap_.size(), items);
-    EXPECT_EQ(ItemTypeStringMap_.size(), itemStrings);
-    EXPECT_EQ(FilterMap_.size(), filters);
-    EXPECT_EQ(FilterStringMap_.size(), filterStrings);
+    // Nothing was added on the way.
+    EXPECT_EQ(xuntest::Registries().units.Count(), units);
+    EXPECT_EQ(xuntest::Registries().itemTypes.Count(), items);
+    EXPECT_EQ(xuntest::Registries().filters.Count(), filters);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
 }
 
 } // namespace

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "registry_fixture.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -31,8 +32,8 @@ struct Factors {
 };
 
 Factors FactorsOf(int fromTag, int toTag) {
-    const CKVunit* from = xunFindUnitByKey_(fromTag);
-    const CKVunit* to = xunFindUnitByKey_(toTag);
+    const CKVunit* from = xuntest::UnitByKey(fromTag);
+    const CKVunit* to = xuntest::UnitByKey(toTag);
     return {from->m_dFactor, from->m_dOffset, to->m_dOffset, to->m_dFactor};
 }
 

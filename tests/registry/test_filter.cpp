@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "registry_fixture.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -97,7 +98,7 @@ TEST(FilterQueries, NextBitCanCollideWithBit30) {
 TEST(FilterQueries, NextBitAboveTheFlybyBitLeavesTheIntRange) {
     RegisterFilter("Flyby", 0x80000000L);
     ASSERT_EQ(xunFilterNew("Next", "next"), 1);
-    EXPECT_NE(xunFindFilterByKey_(0x100000000L), nullptr);
+    EXPECT_NE(xuntest::FilterByKey(0x100000000L), nullptr);
     int key = -7;
     ASSERT_EQ(xunGetFilterKeyFromIdent("Next", &key), 1);
     EXPECT_EQ(key, 0);
@@ -247,22 +248,6 @@ TEST(FilterQueries, FilteredSequenceZeroNamesAnUncountedFirstItem) {
     EXPECT_EQ(key, 501);
 }
 
-TEST(FilterQueriesDeathTest, NullItemTypeAborts) {
-    RegisterFilteredItems();
-    ItemTypeList_.push_back(nullptr);
-    EXPECT_DEATH(xunGetFilteredItemTypeCount(1),
-                 "ItemTypeTables:[0-9]+: int xunGetFilteredItemTypeCount\\(int\\): "
-                 "Assertion `It' failed");
-    int key = -7;
-    const char* text = kUntouched;
-    EXPECT_DEATH(xunGetFilteredItemTypeSeq(1, 3, &key, &text),
-                 "ItemTypeTables:[0-9]+: int xunGetFilteredItemTypeSeq\\(int, int, int \\*, "
-                 "const char \\*\\*\\): Assertion `It' failed");
-    // A match before the null element is found without reaching it.
-    ASSERT_EQ(xunGetFilteredItemTypeSeq(1, 2, &key, &text), 1);
-    EXPECT_EQ(key, 505);
-}
-
 TEST(FilterQueries, ItemFilterEqv) {
     RegisterFilteredItems();
     EXPECT_EQ(xunItemFilterEqv(501, 1), 1);
@@ -272,7 +257,7 @@ TEST(FilterQueries, ItemFilterEqv) {
     EXPECT_EQ(xunItemFilterEqv(506, xunGetFlybyFilter()), 1);
     EXPECT_EQ(xunItemFilterEqv(501, xunGetFlybyFilter()), 0);
     // The widened filter shares bits 32 to 63 with a mask that has them.
-    xunFindItemTypeByKey_(504)->SetFilter(0x100000000L);
+    xuntest::ItemByKey(504)->SetFilter(0x100000000L);
     EXPECT_EQ(xunItemFilterEqv(504, xunGetFlybyFilter()), 1);
     EXPECT_EQ(xunItemFilterEqv(504, 0x7FFFFFFF), 0);
     // An unknown item type is no member of anything.
@@ -283,7 +268,6 @@ TEST(FilterQueries, ProductFilter) {
     EXPECT_EQ(xunGetProductFilter(), 0x7FFFFFFFL);
     EXPECT_EQ(xunSetProductFilter(-1), -1L);
     EXPECT_EQ(xunGetProductFilter(), -1L);
-    EXPECT_EQ(ProductFilter_, -1L);
     EXPECT_EQ(xunSetProductFilter(xunGetFlybyFilter()), -0x80000000L);
     EXPECT_EQ(xunGetProductFilter(), -0x80000000L);
     EXPECT_EQ(xunSetProductFilter(6), 6L);

@@ -8,6 +8,8 @@
 #include <unistd.h>
 
 #include "registry/registry_fixture.h"
+#include "registry/IncludeWriter.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -229,7 +231,7 @@ TEST_F(IncludeWriter, WritingTwiceReplacesTheFiles) {
 
 TEST_F(IncludeWriter, WithoutUnitAndFilterListsTheUnitEnumStillCloses) {
     RegisterUnit("m", 1000, 1.0, 0.0, CKVdimension::GetLength(), "meter");
-    ItemTypeList_.WriteIncludes(nullptr, nullptr);
+    xunWriteIncludes_(xuntest::Registries(), false, false);
     const std::string cs = Read("xunDefine.cs");
     EXPECT_NE(cs.find("\tpublic enum xunItem\n\t{\n\n\t}\n\n\t}\n\n\t}\n}\n"), std::string::npos)
         << cs;
@@ -239,23 +241,12 @@ TEST_F(IncludeWriter, WithoutUnitAndFilterListsTheUnitEnumStillCloses) {
     EXPECT_NE(c.find("#define _KORVANE_ITEMDEFINES_\n\n\n#endif\n"), std::string::npos);
 }
 
-TEST_F(IncludeWriter, NullElementsEndTheProcess) {
-    ItemTypeList_.push_back(nullptr);
-    EXPECT_DEATH(xunWriteItemTypeIncludes(),
-                 "KVitemType:[0-9]+: void CKVitemTypeList::WriteIncludes\\(const CKVunitList \\*, "
-                 "const CKVfilterList \\*\\): Assertion `It' failed");
-    EXPECT_DEATH(ItemTypeList_.WriteAllowedUnits(),
-                 "KVitemType:[0-9]+: void CKVitemTypeList::WriteAllowedUnits\\(\\): Assertion "
-                 "`It' failed");
-    ItemTypeList_.clear();
-    CKVunitList units{nullptr};
-    EXPECT_DEATH(ItemTypeList_.WriteIncludes(&units, nullptr), "Assertion `Un' failed");
-    CKVfilterList filters{nullptr};
-    EXPECT_DEATH(ItemTypeList_.WriteIncludes(nullptr, &filters), "Assertion `Ft' failed");
+TEST_F(IncludeWriter, NullAllowedUnitEndsTheProcess) {
     CKVitemType* item = RegisterItemType("ItemLevel", 100, CKVdimension::GetLength());
     item->GetUnitList().push_back(nullptr);
-    EXPECT_DEATH(ItemTypeList_.WriteAllowedUnits(),
-                 "WriteAllowedUnits\\(\\): Assertion `Un' failed");
+    EXPECT_DEATH(xunWriteAllowedUnits_(xuntest::Registries()),
+                 "KVitemType:154: void CKVitemTypeList::WriteAllowedUnits\\(\\): Assertion `Un' "
+                 "failed");
 }
 
 TEST_F(IncludeWriter, MissingDirectoryEndsTheProcess) {
@@ -263,8 +254,9 @@ TEST_F(IncludeWriter, MissingDirectoryEndsTheProcess) {
     // be created in it, not even by root.
     ASSERT_EQ(rmdir(m_dir.c_str()), 0);
     EXPECT_DEATH(xunWriteItemTypeIncludes(), "Assertion `0' failed");
-    EXPECT_DEATH(ItemTypeList_.WriteAllowedUnits(),
-                 "void CKVitemTypeList::WriteAllowedUnits\\(\\): Assertion `0' failed");
+    EXPECT_DEATH(xunWriteAllowedUnits_(xuntest::Registries()),
+                 "KVitemType:145: void CKVitemTypeList::WriteAllowedUnits\\(\\): Assertion `0' "
+                 "failed");
 }
 
 } // namespace

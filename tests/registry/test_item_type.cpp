@@ -1,7 +1,10 @@
 // CKVitemType, CKVfilter and the registration functions of both registries.
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include "registry_fixture.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -31,9 +34,9 @@ TEST(ItemType, ConstructorSetsTheInitialValues) {
 TEST(ItemType, AllowUnitAppendsOrPutsInFront) {
     RegisterSampleUnits();
     CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
-    EXPECT_TRUE(item.AllowUnit(*xunFindUnitByIdent_("m"), false));
-    EXPECT_TRUE(item.AllowUnit(*xunFindUnitByIdent_("km"), false));
-    EXPECT_TRUE(item.AllowUnit(*xunFindUnitByIdent_("ft"), true));
+    EXPECT_TRUE(item.AllowUnit(*xuntest::UnitByIdent("m"), false));
+    EXPECT_TRUE(item.AllowUnit(*xuntest::UnitByIdent("km"), false));
+    EXPECT_TRUE(item.AllowUnit(*xuntest::UnitByIdent("ft"), true));
     ASSERT_EQ(item.m_lstUnits.size(), 3u);
     EXPECT_EQ(item.GetUnit(1)->m_strIdent, "ft");
     EXPECT_EQ(item.GetUnit(2)->m_strIdent, "m");
@@ -43,7 +46,7 @@ TEST(ItemType, AllowUnitAppendsOrPutsInFront) {
 
 TEST(ItemType, AllowUnitRefusesSameKeyOrSameIdent) {
     RegisterSampleUnits();
-    CKVunit* m = xunFindUnitByIdent_("m");
+    const CKVunit* m = xuntest::UnitByIdent("m");
     CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
     ASSERT_TRUE(item.AllowUnit(*m, false));
     EXPECT_FALSE(item.AllowUnit(*m, false));
@@ -68,8 +71,8 @@ TEST(ItemType, AllowUnitSkipsNullElements) {
     RegisterSampleUnits();
     CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
     item.m_lstUnits.push_back(nullptr);
-    EXPECT_TRUE(item.AllowUnit(*xunFindUnitByIdent_("km"), false));
-    EXPECT_FALSE(item.AllowUnit(*xunFindUnitByIdent_("km"), false));
+    EXPECT_TRUE(item.AllowUnit(*xuntest::UnitByIdent("km"), false));
+    EXPECT_FALSE(item.AllowUnit(*xuntest::UnitByIdent("km"), false));
     EXPECT_EQ(item.m_lstUnits.size(), 2u);
 }
 
@@ -77,22 +80,22 @@ TEST(ItemType, GetUnitCountsFromOne) {
     RegisterSampleUnits();
     CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
     EXPECT_EQ(item.GetUnit(1), nullptr);
-    item.AllowUnit(*xunFindUnitByIdent_("m"), false);
-    item.AllowUnit(*xunFindUnitByIdent_("km"), false);
+    item.AllowUnit(*xuntest::UnitByIdent("m"), false);
+    item.AllowUnit(*xuntest::UnitByIdent("km"), false);
     EXPECT_EQ(item.GetUnit(0), nullptr);
     EXPECT_EQ(item.GetUnit(-1), nullptr);
     EXPECT_EQ(item.GetUnit(3), nullptr);
-    EXPECT_EQ(item.GetUnit(1), xunFindUnitByIdent_("m"));
-    EXPECT_EQ(item.GetUnit(2), xunFindUnitByIdent_("km"));
+    EXPECT_EQ(item.GetUnit(1), xuntest::UnitByIdent("m"));
+    EXPECT_EQ(item.GetUnit(2), xuntest::UnitByIdent("km"));
 }
 
 TEST(ItemType, UserUnitFallsBackToTheDefaultUnit) {
     RegisterSampleUnits();
     CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
     EXPECT_EQ(item.GetItemUserUnit(), -1);
-    item.AllowUnit(*xunFindUnitByIdent_("m"), false);
+    item.AllowUnit(*xuntest::UnitByIdent("m"), false);
     EXPECT_EQ(item.GetItemUserUnit(), 1000);
-    item.AllowUnit(*xunFindUnitByIdent_("km"), true);
+    item.AllowUnit(*xuntest::UnitByIdent("km"), true);
     EXPECT_EQ(item.GetItemUserUnit(), 1001);
     // Stored without any check, even a unit of another dimension.
     item.SetItemUserUnit(1011);
@@ -133,11 +136,11 @@ TEST(ItemType, AssertValidAcceptsAValidItemType) {
 TEST(ItemTypeDeathTest, AllowUnitOfAnotherDimensionAborts) {
     RegisterSampleUnits();
     CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
-    EXPECT_DEATH(item.AllowUnit(*xunFindUnitByIdent_("s"), false),
+    EXPECT_DEATH(item.AllowUnit(*xuntest::UnitByIdent("s"), false),
                  "KVitemType:[0-9]+: bool CKVitemType::AllowUnit\\(CKVunit &, bool\\): "
                  "Assertion `bOk' failed");
     item.m_pDimension = nullptr;
-    EXPECT_DEATH(item.AllowUnit(*xunFindUnitByIdent_("m"), true),
+    EXPECT_DEATH(item.AllowUnit(*xuntest::UnitByIdent("m"), true),
                  "KVitemType:[0-9]+: bool CKVitemType::AllowUnit\\(CKVunit &, bool\\): "
                  "Assertion `bOk' failed");
 }
@@ -145,13 +148,13 @@ TEST(ItemTypeDeathTest, AllowUnitOfAnotherDimensionAborts) {
 TEST(ItemTypeDeathTest, NullAllowedUnitAborts) {
     RegisterSampleUnits();
     CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
-    item.AllowUnit(*xunFindUnitByIdent_("m"), false);
+    item.AllowUnit(*xuntest::UnitByIdent("m"), false);
     item.m_lstUnits.push_back(nullptr);
-    EXPECT_EQ(item.GetUnit(1), xunFindUnitByIdent_("m"));
+    EXPECT_EQ(item.GetUnit(1), xuntest::UnitByIdent("m"));
     EXPECT_DEATH(item.GetUnit(2),
                  "KVitemType:[0-9]+: const CKVunit \\*CKVitemType::GetUnit\\(long\\) "
                  "const: Assertion `Un' failed");
-    item.m_lstUnits.push_front(nullptr);
+    item.m_lstUnits.insert(item.m_lstUnits.begin(), nullptr);
     EXPECT_DEATH(
         item.GetItemUserUnit(),
         "KVitemType:[0-9]+: int CKVitemType::GetItemUserUnit\\(\\): Assertion `Un' failed");
@@ -174,39 +177,32 @@ TEST(ItemTypeDeathTest, AssertValidChecksKeyThenDimension) {
 
 TEST(ItemTypeRegistry, AddItemTypeRefusesTakenKeyOrIdent) {
     CKVitemType* level = RegisterItemType("Level", 500, CKVdimension::GetLength());
-    CKVitemType sameKey("other", 500, "Other", CKVdimension::GetLength());
-    EXPECT_EQ(AddItemType_(500, sameKey), 0);
-    CKVitemType sameIdent("level again", 501, "Level", CKVdimension::GetLength());
-    EXPECT_EQ(AddItemType_(501, sameIdent), 0);
-    ASSERT_EQ(ItemTypeList_.size(), 1u);
-    EXPECT_EQ(ItemTypeList_.front(), level);
-    EXPECT_EQ(ItemTypeMap_.size(), 1u);
-    EXPECT_EQ(ItemTypeStringMap_.size(), 1u);
-    EXPECT_EQ(xunFindItemTypeByKey_(500), level);
-    EXPECT_EQ(xunFindItemTypeByIdent_("Level"), level);
+    std::unique_ptr<CKVitemType> sameKey(
+        new CKVitemType("other", 500, "Other", CKVdimension::GetLength()));
+    std::unique_ptr<CKVdimension> noDimension;
+    EXPECT_FALSE(xuntest::Registries().itemTypes.Add(sameKey, noDimension));
+    EXPECT_NE(sameKey, nullptr);
+    std::unique_ptr<CKVitemType> sameIdent(
+        new CKVitemType("level again", 501, "Level", CKVdimension::GetLength()));
+    EXPECT_FALSE(xuntest::Registries().itemTypes.Add(sameIdent, noDimension));
+    EXPECT_NE(sameIdent, nullptr);
+    ASSERT_EQ(xuntest::Registries().itemTypes.Count(), 1u);
+    EXPECT_EQ(xuntest::Registries().itemTypes.At(0), level);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
+    EXPECT_EQ(xuntest::ItemByKey(500), level);
+    EXPECT_EQ(xuntest::ItemByIdent("Level"), level);
 }
 
 TEST(ItemTypeRegistry, AddItemTypeAppendsAndLookupsNeverInsert) {
     CKVitemType* a = RegisterItemType("A", 700, CKVdimension::GetLength());
     CKVitemType* b = RegisterItemType("B", 600, CKVdimension::GetTime());
-    EXPECT_EQ(ItemTypeList_.front(), a);
-    EXPECT_EQ(ItemTypeList_.back(), b);
-    EXPECT_EQ(xunFindItemTypeByKey_(601), nullptr);
-    EXPECT_EQ(xunFindItemTypeByIdent_("C"), nullptr);
-    EXPECT_EQ(xunFindItemTypeByIdent_("a"), nullptr);
-    EXPECT_EQ(ItemTypeMap_.size(), 2u);
-    EXPECT_EQ(ItemTypeStringMap_.size(), 2u);
-}
-
-TEST(ItemTypeRegistry, EmptyMapEntriesCountAsAbsent) {
-    ItemTypeMap_[42] = nullptr;
-    ItemTypeStringMap_["Late"] = nullptr;
-    EXPECT_EQ(xunFindItemTypeByKey_(42), nullptr);
-    EXPECT_EQ(xunFindItemTypeByIdent_("Late"), nullptr);
-    CKVitemType* late = RegisterItemType("Late", 42, CKVdimension::GetLength());
-    EXPECT_EQ(xunFindItemTypeByKey_(42), late);
-    EXPECT_EQ(xunFindItemTypeByIdent_("Late"), late);
-    EXPECT_EQ(ItemTypeList_.size(), 1u);
+    EXPECT_EQ(xuntest::Registries().itemTypes.At(0), a);
+    EXPECT_EQ(xuntest::Registries().itemTypes.At(1), b);
+    EXPECT_EQ(xuntest::ItemByKey(601), nullptr);
+    EXPECT_EQ(xuntest::ItemByIdent("C"), nullptr);
+    EXPECT_EQ(xuntest::ItemByIdent("a"), nullptr);
+    EXPECT_EQ(xuntest::Registries().itemTypes.Count(), 2u);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
 }
 
 TEST(Filter, ConstructorAndBitValue) {
@@ -222,35 +218,24 @@ TEST(Filter, ConstructorAndBitValue) {
 
 TEST(FilterRegistry, AddFilterRefusesTakenBitOrIdent) {
     CKVfilter* water = RegisterFilter("Water", 4);
-    CKVfilter sameBit("other", 4);
-    sameBit.m_strIdent = "Other";
-    EXPECT_EQ(AddFilter_(sameBit), 0);
-    CKVfilter sameIdent("water again", 8);
-    sameIdent.m_strIdent = "Water";
-    EXPECT_EQ(AddFilter_(sameIdent), 0);
-    ASSERT_EQ(FilterList_.size(), 1u);
-    EXPECT_EQ(FilterList_.front(), water);
-    EXPECT_EQ(FilterMap_.size(), 1u);
-    EXPECT_EQ(FilterStringMap_.size(), 1u);
-    EXPECT_EQ(xunFindFilterByKey_(4), water);
-    EXPECT_EQ(xunFindFilterByIdent_("Water"), water);
-    EXPECT_EQ(xunFindFilterByKey_(8), nullptr);
-    EXPECT_EQ(xunFindFilterByIdent_("Other"), nullptr);
-    EXPECT_EQ(FilterMap_.size(), 1u);
-    EXPECT_EQ(FilterStringMap_.size(), 1u);
-}
-
-TEST(FilterRegistry, EmptyMapEntriesCountAsAbsent) {
-    FilterMap_[16] = nullptr;
-    FilterStringMap_["Late"] = nullptr;
-    CKVfilter* late = RegisterFilter("Late", 16);
-    EXPECT_EQ(xunFindFilterByKey_(16), late);
-    EXPECT_EQ(xunFindFilterByIdent_("Late"), late);
+    std::unique_ptr<CKVfilter> sameBit(new CKVfilter("other", 4));
+    sameBit->m_strIdent = "Other";
+    EXPECT_FALSE(xuntest::Registries().filters.Add(sameBit));
+    std::unique_ptr<CKVfilter> sameIdent(new CKVfilter("water again", 8));
+    sameIdent->m_strIdent = "Water";
+    EXPECT_FALSE(xuntest::Registries().filters.Add(sameIdent));
+    ASSERT_EQ(xuntest::Registries().filters.Count(), 1u);
+    EXPECT_EQ(xuntest::Registries().filters.At(0), water);
+    EXPECT_EQ(xuntest::FilterByKey(4), water);
+    EXPECT_EQ(xuntest::FilterByIdent("Water"), water);
+    EXPECT_EQ(xuntest::FilterByKey(8), nullptr);
+    EXPECT_EQ(xuntest::FilterByIdent("Other"), nullptr);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
 }
 
 TEST(FilterRegistry, ProductFilterStartsWithBitsZeroToThirty) {
-    EXPECT_EQ(ProductFilter_, 0x7FFFFFFFL);
-    EXPECT_EQ(FlybyFilter_, 0x80000000L);
+    EXPECT_EQ(xunProductFilter_(), 0x7FFFFFFFL);
+    EXPECT_EQ(xun::contract::kFlybyFilterBit, 0x80000000L);
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "registry_fixture.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -106,7 +107,7 @@ TEST(ItemTypeQueries, NegativeKeysWidenWithTheirSign) {
 
 TEST(ItemTypeQueries, Params) {
     RegisterSampleItems();
-    CKVitemType* level = xunFindItemTypeByKey_(500);
+    CKVitemType* level = xuntest::ItemByKey(500);
     level->m_nDecimals = 3;
     level->m_dDefault = -999.5;
     int decimals = -7;
@@ -135,7 +136,7 @@ TEST(ItemTypeQueries, ItemTypeNewGetsKeysFrom110000) {
     ASSERT_EQ(xunGetItemTypeKeyFromIdent("Duration", &key), 1);
     EXPECT_EQ(key, 110001);
 
-    const CKVitemType* depth = xunFindItemTypeByKey_(110000);
+    const CKVitemType* depth = xuntest::ItemByKey(110000);
     ASSERT_NE(depth, nullptr);
     EXPECT_EQ(depth->m_strKey, "depth");
     EXPECT_EQ(depth->m_strIdent, "Depth");
@@ -149,11 +150,11 @@ TEST(ItemTypeQueries, ItemTypeNewGetsKeysFrom110000) {
     EXPECT_NE(depth->m_pDimension, &CKVdimension::GetLength());
     EXPECT_TRUE(depth->m_pDimension->IsEqv(CKVdimension::GetLength()));
     ASSERT_EQ(depth->m_lstUnits.size(), 1u);
-    EXPECT_EQ(depth->m_lstUnits.front(), xunFindUnitByIdent_("ft"));
+    EXPECT_EQ(depth->m_lstUnits.front(), xuntest::UnitByIdent("ft"));
     int unit = -7;
     ASSERT_EQ(xunGetItemUserUnit(110000, &unit), 1);
     EXPECT_EQ(unit, 1002);
-    EXPECT_EQ(ItemTypeList_.back(), xunFindItemTypeByKey_(110001));
+    EXPECT_EQ(xuntest::AllItemTypes().back(), xuntest::ItemByKey(110001));
 }
 
 TEST(ItemTypeQueries, ItemTypeNewCountsOnFromTheLargestKey) {
@@ -161,8 +162,8 @@ TEST(ItemTypeQueries, ItemTypeNewCountsOnFromTheLargestKey) {
     RegisterItemType("High", 200000, CKVdimension::GetLength());
     RegisterItemType("Low", 120000, CKVdimension::GetLength());
     ASSERT_EQ(xunItemTypeNew("Next", "next", 0, "m"), 1);
-    EXPECT_NE(xunFindItemTypeByKey_(200001), nullptr);
-    EXPECT_EQ(xunFindItemTypeByKey_(200001)->m_strIdent, "Next");
+    EXPECT_NE(xuntest::ItemByKey(200001), nullptr);
+    EXPECT_EQ(xuntest::ItemByKey(200001)->m_strIdent, "Next");
 }
 
 TEST(ItemTypeQueries, ItemTypeNewRefusesUnknownUnitsAndTakenIdents) {
@@ -170,18 +171,18 @@ TEST(ItemTypeQueries, ItemTypeNewRefusesUnknownUnitsAndTakenIdents) {
     EXPECT_EQ(xunItemTypeNew("Depth", "depth", 0, "furlong"), 0);
     EXPECT_EQ(xunItemTypeNew("Depth", "depth", 0, "meter"), 0);
     EXPECT_EQ(xunGetItemTypeCount(), 3);
-    EXPECT_EQ(xunFindItemTypeByIdent_("Depth"), nullptr);
+    EXPECT_EQ(xuntest::ItemByIdent("Depth"), nullptr);
     EXPECT_EQ(xunItemTypeNew("WaterLevel", "again", 0, "ft"), 0);
     EXPECT_EQ(xunGetItemTypeCount(), 3);
-    EXPECT_EQ(xunFindItemTypeByKey_(110000), nullptr);
-    EXPECT_EQ(xunFindItemTypeByIdent_("WaterLevel")->m_strKey, "water level");
+    EXPECT_EQ(xuntest::ItemByKey(110000), nullptr);
+    EXPECT_EQ(xuntest::ItemByIdent("WaterLevel")->m_strKey, "water level");
 }
 
 TEST(ItemTypeQueries, ItemTypeNewFromAnExpressionUnit) {
     RegisterBaseUnits();
     ASSERT_EQ(xunUnitNew("mps", "meter per second", "m/s", "Length/Time"), 1);
     ASSERT_EQ(xunItemTypeNew("Velocity", "velocity", 0, "mps"), 1);
-    const CKVitemType* velocity = xunFindItemTypeByIdent_("Velocity");
+    const CKVitemType* velocity = xuntest::ItemByIdent("Velocity");
     ASSERT_NE(velocity, nullptr);
     EXPECT_TRUE(velocity->m_pDimension->IsEqv(CKVdimension::GetLength() / CKVdimension::GetTime()));
     EXPECT_EQ(xunItemUnitEqv(110000, Tag("mps")), 1);
@@ -227,7 +228,7 @@ TEST(ItemTypeQueries, UnitCountAndSequence) {
 TEST(ItemTypeQueries, AnyUnitItemTypeWalksEveryRegisteredUnit) {
     RegisterSampleItems();
     EXPECT_EQ(xunGetItemUnitCount(999), 8);
-    EXPECT_EQ(xunGetItemUnitCount(999), static_cast<int>(UnitList_.size()));
+    EXPECT_EQ(xunGetItemUnitCount(999), static_cast<int>(xuntest::Registries().units.Count()));
     std::vector<int> tags;
     int tag = -7;
     const char* key = kUntouched;
@@ -243,20 +244,8 @@ TEST(ItemTypeQueries, AnyUnitItemTypeWalksEveryRegisteredUnit) {
     EXPECT_EQ(tag, -7);
     EXPECT_EQ(key, kUntouched);
     // Its own allowed list is bypassed.
-    xunFindItemTypeByKey_(999)->m_lstUnits.push_back(xunFindUnitByIdent_("m"));
+    xuntest::ItemByKey(999)->m_lstUnits.push_back(xuntest::UnitByIdent("m"));
     EXPECT_EQ(xunGetItemUnitCount(999), 8);
-}
-
-TEST(ItemTypeQueries, AnyUnitItemTypeSkipsNullUnitListElements) {
-    RegisterSampleItems();
-    UnitList_.push_back(nullptr);
-    EXPECT_EQ(xunGetItemUnitCount(999), 9);
-    int tag = -7;
-    const char* key = kUntouched;
-    EXPECT_EQ(xunGetItemUnitSeq(999, 9, &tag, &key), 0);
-    EXPECT_EQ(tag, -7);
-    EXPECT_EQ(xunGetItemUnitTag(999, "nothing", &tag), 0);
-    EXPECT_EQ(tag, 0);
 }
 
 TEST(ItemTypeQueries, UserUnitDefaultsToTheFirstAllowedUnit) {
@@ -264,7 +253,7 @@ TEST(ItemTypeQueries, UserUnitDefaultsToTheFirstAllowedUnit) {
     int tag = -7;
     ASSERT_EQ(xunGetItemUserUnit(500, &tag), 1);
     EXPECT_EQ(tag, 1000);
-    xunFindItemTypeByKey_(500)->AllowUnit(*xunFindUnitByIdent_("ft"), true);
+    xuntest::ItemByKey(500)->AllowUnit(*xuntest::UnitByIdent("ft"), true);
     ASSERT_EQ(xunGetItemUserUnit(500, &tag), 1);
     EXPECT_EQ(tag, 1002);
     tag = -7;
@@ -286,7 +275,7 @@ TEST(ItemTypeQueries, SetUserUnitAcceptsAnyUnitOfTheDimension) {
     int tag = -7;
     ASSERT_EQ(xunGetItemUserUnit(500, &tag), 1);
     EXPECT_EQ(tag, 1002);
-    EXPECT_EQ(xunFindItemTypeByKey_(500)->m_lstUnits.size(), 2u);
+    EXPECT_EQ(xuntest::ItemByKey(500)->m_lstUnits.size(), 2u);
 }
 
 TEST(ItemTypeQueries, SetUserUnitRefusesOtherDimensionsAndUnknowns) {
@@ -305,7 +294,7 @@ TEST(ItemTypeQueries, SetUserUnitRefusesKeyZeroAndMissingDimension) {
     RegisterSampleItems();
     RegisterUnit("nolength", 0, 2.0, 0.0, CKVdimension::GetLength());
     EXPECT_EQ(xunSetItemUserUnit(500, 0), 0);
-    CKVitemType* level = xunFindItemTypeByKey_(500);
+    CKVitemType* level = xuntest::ItemByKey(500);
     level->m_pDimension = nullptr;
     EXPECT_EQ(xunSetItemUserUnit(500, 1000), 0);
     EXPECT_EQ(level->m_lUserUnit, -1);
@@ -341,7 +330,7 @@ TEST(ItemTypeQueries, ItemUnitEqv) {
     EXPECT_EQ(xunItemUnitEqv(999, 1010), 1);
     EXPECT_EQ(xunItemUnitEqv(999, 0), 1);
     EXPECT_EQ(xunItemUnitEqv(999, 4711), 0);
-    xunFindItemTypeByKey_(500)->m_pDimension = nullptr;
+    xuntest::ItemByKey(500)->m_pDimension = nullptr;
     EXPECT_EQ(xunItemUnitEqv(500, 1000), 0);
 }
 
@@ -389,13 +378,13 @@ TEST(ItemTypeQueries, AddItemFilterOrsTheBits) {
     RegisterSampleItems();
     EXPECT_EQ(xunAddItemFilter(500, 1), 1);
     EXPECT_EQ(xunAddItemFilter(500, 4), 1);
-    EXPECT_EQ(xunFindItemTypeByKey_(500)->GetFilter(), 5);
+    EXPECT_EQ(xuntest::ItemByKey(500)->GetFilter(), 5);
     EXPECT_EQ(xunAddItemFilter(500, 4), 1);
-    EXPECT_EQ(xunFindItemTypeByKey_(500)->GetFilter(), 5);
+    EXPECT_EQ(xuntest::ItemByKey(500)->GetFilter(), 5);
     EXPECT_EQ(xunAddItemFilter(501, 8), 0);
     // An int with bit 31 set widens with its sign.
     EXPECT_EQ(xunAddItemFilter(600, xunGetFlybyFilter()), 1);
-    EXPECT_EQ(xunFindItemTypeByKey_(600)->GetFilter(), -0x80000000L);
+    EXPECT_EQ(xuntest::ItemByKey(600)->GetFilter(), -0x80000000L);
 }
 
 TEST(ItemUnitQueries, ItemUnitTagMatchesDescriptionsOfAllowedUnits) {
@@ -422,7 +411,8 @@ TEST(ItemUnitQueries, ItemUnitTagMatchesDescriptionsOfAllowedUnits) {
 
 TEST(ItemUnitQueries, ItemUnitTagIgnoresAliases) {
     RegisterSampleItems();
-    xunFindUnitByIdent_("m")->SetAlias("metre;metres");
+    // Aliases are no part of the registry's indexes.
+    const_cast<CKVunit*>(xuntest::UnitByIdent("m"))->SetAlias("metre;metres");
     int tag = -7;
     EXPECT_EQ(xunGetUnitTag("metre", &tag), 1);
     EXPECT_EQ(tag, 1000);
@@ -487,7 +477,7 @@ TEST(ItemUnitQueries, ItemUnitTagComparesTheUnitRegisteredUnderTheKey) {
 
 TEST(ItemUnitQueriesDeathTest, ItemUnitTagWithANullAllowedUnitAborts) {
     RegisterSampleItems();
-    xunFindItemTypeByKey_(500)->m_lstUnits.push_front(nullptr);
+    xuntest::ItemByKey(500)->m_lstUnits.insert(xuntest::ItemByKey(500)->m_lstUnits.begin(), nullptr);
     int tag = -7;
     EXPECT_DEATH(xunGetItemUnitTag(500, "meter", &tag),
                  "KVitemType:[0-9]+: const CKVunit \\*CKVitemType::GetUnit\\(long\\) const: "
@@ -520,7 +510,7 @@ TEST(ItemUnitQueries, FirstEqvUnitSkipsKeyZeroAndFailsWithoutMatch) {
     key = kUntouched;
     EXPECT_EQ(xunGetItemFirstEqvUnit(700, &tag, &key), 0);
     EXPECT_EQ(xunGetItemFirstEqvUnit(701, &tag, &key), 0);
-    xunFindItemTypeByKey_(600)->m_pDimension = nullptr;
+    xuntest::ItemByKey(600)->m_pDimension = nullptr;
     EXPECT_EQ(xunGetItemFirstEqvUnit(600, &tag, &key), 0);
     EXPECT_EQ(tag, -7);
     EXPECT_EQ(key, kUntouched);

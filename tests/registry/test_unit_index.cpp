@@ -1,9 +1,7 @@
 // The registry's lookup indexes: the hash table itself against std::map, and
-// the unit lookups and the iteration functions against a literal
-// implementation of the containers' walks - lookups in the ordered maps and a
-// find routine that walks UnitList_ with its one-entry cache - over random
-// registries with units added at either end, units removed, units of key 0 and
-// null elements put into the list by hand.
+// the unit lookups and walks against a plain model of the registry - a list
+// in registration order and ordered maps - over random registries with units
+// added at either end, units removed and units of key 0.
 #include <gtest/gtest.h>
 
 #include <cmath>
@@ -17,6 +15,7 @@
 #include "registry/HashIndex.h"
 #include "registry/UnitRegistry.h"
 #include "xun.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -99,76 +98,52 @@ TEST(HashIndex, EmptyIndexFindsNothing) {
     EXPECT_EQ(index.Size(), 0u);
 }
 
-// --- the registry against the literal walks -------------------------------
+// --- the registry against a plain model --------------------------------------
 
-// The design's find routine over UnitList_: a walk from the cached position
-// when the same unit is asked for again, from the front otherwise.
-struct ReferenceFind {
-    const CKVunit* prevFoundUn = nullptr;
-    CKVunitList::iterator prevFoundPos;
-    bool set = false;
+// The registry as plain containers: the units in registration order and the
+// maps by key and by ident, with the walks written as plain scans of the list.
+struct Model {
+    std::vector<const CKVunit*> list;
+    std::map<long, const CKVunit*> byKey;
+    std::map<std::string, const CKVunit*> byIdent;
 
-    CKVunitList::iterator Find(const CKVunit* unit) {
-        if (!set) {
-            prevFoundPos = UnitList_.begin();
-            set = true;
-        }
-        CKVunitList::iterator it = unit == prevFoundUn ? prevFoundPos : UnitList_.begin();
-        for (; it != UnitList_.end(); ++it) {
-            if (*it == unit) {
-                prevFoundUn = unit;
-                prevFoundPos = it;
-                return it;
+    const CKVunit* Find(long key) const {
+        const auto it = byKey.find(key);
+        return it == byKey.end() ? nullptr : it->second;
+    }
+    // The position after the unit of prevTag (0: the start); -1 when unknown.
+    long Start(int prevTag) const {
+        if (prevTag == 0)
+            return 0;
+        const CKVunit* previous = Find(prevTag);
+        for (size_t i = 0; i < list.size(); ++i)
+            if (list[i] == previous)
+                return static_cast<long>(i) + 1;
+        return -1;
+    }
+    int NextUnit(int prevTag, int* nextTag, const char** nextKey) const {
+        const long start = Start(prevTag);
+        if (start < 0 || start >= static_cast<long>(list.size()) || list[start]->m_lKey == 0)
+            return 0;
+        *nextTag = static_cast<int>(list[start]->m_lKey);
+        *nextKey = list[start]->m_strDesc.c_str();
+        return 1;
+    }
+    int NextEqvUnit(int tag, int prevTag, int* nextTag, const char** nextKey) const {
+        const CKVunit* reference = Find(tag);
+        const long start = Start(prevTag);
+        if (start < 0)
+            return 0;
+        for (size_t i = static_cast<size_t>(start); i < list.size(); ++i) {
+            if (list[i]->IsEqv(*reference) && list[i]->m_lKey != 0) {
+                *nextTag = static_cast<int>(list[i]->m_lKey);
+                *nextKey = list[i]->m_strDesc.c_str();
+                return 1;
             }
         }
-        return UnitList_.end();
-    }
-    void Clear() {
-        prevFoundUn = nullptr;
-        set = false;
+        return 0;
     }
 };
-
-CKVunit* MapLookup(long key) {
-    const auto it = UnitMap_.find(key);
-    return it == UnitMap_.end() ? nullptr : it->second;
-}
-
-int ReferenceNextUnit(ReferenceFind& find, int prevTag, int* nextTag, const char** nextKey) {
-    CKVunitList::iterator it = UnitList_.begin();
-    if (prevTag != 0) {
-        const CKVunitList::iterator position = find.Find(MapLookup(prevTag));
-        if (position == UnitList_.end())
-            return 0;
-        it = std::next(position);
-    }
-    if (it == UnitList_.end() || *it == nullptr || (*it)->m_lKey == 0)
-        return 0;
-    *nextTag = static_cast<int>((*it)->m_lKey);
-    *nextKey = (*it)->m_strDesc.c_str();
-    return 1;
-}
-
-int ReferenceNextEqvUnit(ReferenceFind& find, int tag, int prevTag, int* nextTag,
-                         const char** nextKey) {
-    const CKVunit* reference = MapLookup(tag);
-    CKVunitList::iterator it = UnitList_.begin();
-    if (prevTag != 0) {
-        const CKVunitList::iterator position = find.Find(MapLookup(prevTag));
-        if (position == UnitList_.end() || std::next(position) == UnitList_.end())
-            return 0;
-        it = std::next(position);
-    }
-    for (; it != UnitList_.end(); ++it) {
-        const CKVunit* unit = *it;
-        if (unit != nullptr && unit->IsEqv(*reference) && unit->m_lKey != 0) {
-            *nextTag = static_cast<int>(unit->m_lKey);
-            *nextKey = unit->m_strDesc.c_str();
-            return 1;
-        }
-    }
-    return 0;
-}
 
 const CKVdimension& RandomDimension(std::mt19937_64& random) {
     switch (random() % 3) {
@@ -181,135 +156,113 @@ const CKVdimension& RandomDimension(std::mt19937_64& random) {
     }
 }
 
-// One random registry, changed and queried in random order. The whole test
-// runs in its own process, so it may fill the global registry.
+// One random registry, changed and queried in random order: units added at
+// either end (some refused for a taken key or ident, some of key 0), units
+// removed, walks and lookups compared with the model. The whole test runs in
+// its own process, so it may fill the global registry.
 void RunRandomRegistry(uint64_t start, int steps) {
     std::mt19937_64 random(start);
-    ReferenceFind reference;
-    std::vector<std::unique_ptr<CKVunit>> removed; // freed at the end
-    std::vector<CKVunit*> everUsed;                // registered now or before
+    Model model;
+    CKVunitRegistry& units = xuntest::Registries().units;
     int serial = 0;
     for (int step = 0; step < steps; ++step) {
         const unsigned action = static_cast<unsigned>(random() % 100);
         if (action < 30) {
-            // A new unit at either end; about one in six is refused because
-            // its key or ident is taken.
             ++serial;
             const long key = static_cast<long>(random() % 12 == 0 ? 0 : random() % 400) - 20;
             const std::string ident = "u" + std::to_string(random() % 500);
-            auto unit = std::make_unique<CKVunit>(ident + " desc", ident, key, 1.0 + serial, 0.0,
-                                                  RandomDimension(random));
+            std::unique_ptr<CKVunit> unit(new CKVunit(ident + " desc", ident, key, 1.0 + serial,
+                                                      0.0, RandomDimension(random)));
             unit->m_strIdent = ident;
-            const bool taken = MapLookup(key) != nullptr || UnitStringMap_.count(ident) != 0;
-            const int added = AddUnit_(*unit, static_cast<int>(random() % 3 == 0));
-            ASSERT_EQ(added, taken ? 0 : 1);
-            if (added) {
-                everUsed.push_back(unit.get());
-                unit.release();
+            const CKVunit* raw = unit.get();
+            const bool taken = model.Find(key) != nullptr || model.byIdent.count(ident) != 0;
+            const bool atFront = random() % 3 == 0;
+            ASSERT_EQ(units.Add(unit, atFront), !taken);
+            if (!taken) {
+                model.list.insert(atFront ? model.list.begin() : model.list.end(), raw);
+                model.byKey[key] = raw;
+                model.byIdent[ident] = raw;
             }
-        } else if (action < 34 && !UnitList_.empty()) {
+        } else if (action < 35 && !model.list.empty()) {
             // Out again, as the setup loader takes out its base units.
-            auto it = std::next(UnitList_.begin(), static_cast<long>(random() % UnitList_.size()));
-            if (*it != nullptr) {
-                CKVunit* unit = *it;
-                xunRemoveUnit_(unit);
-                reference.Clear();
-                removed.emplace_back(unit);
-            }
-        } else if (action < 35) {
-            // Null elements, which every walk skips.
-            if (random() % 2)
-                UnitList_.push_back(nullptr);
-            else
-                UnitList_.push_front(nullptr);
-        } else if (action < 55) {
-            // The find routine itself, for a listed, a removed, an unknown or
-            // a null unit.
-            const CKVunit* unit = nullptr;
-            if (!everUsed.empty() && random() % 5 != 0)
-                unit = everUsed[random() % everUsed.size()];
-            if (random() % 4 == 0)
-                unit = reference.prevFoundUn; // the same one again
-            ASSERT_EQ(xunFindUnit_(unit) == UnitList_.end(),
-                      reference.Find(unit) == UnitList_.end());
-            // Both point at the same element (the caches are in step).
-            ASSERT_EQ(xunFindUnit_(unit) == reference.Find(unit), true);
-        } else if (action < 85) {
+            const size_t index = static_cast<size_t>(random() % model.list.size());
+            const CKVunit* unit = model.list[index];
+            model.list.erase(model.list.begin() + static_cast<long>(index));
+            model.byKey.erase(unit->m_lKey);
+            model.byIdent.erase(unit->m_strIdent);
+            ASSERT_NE(units.Remove(unit), nullptr);
+            ASSERT_EQ(units.Remove(unit), nullptr);
+        } else if (action < 70) {
             const int prevTag = static_cast<int>(random() % 10 == 0 ? 0 : random() % 420) - 20;
             int tag = -7, refTag = -7;
             const char* key = "untouched";
             const char* refKey = "untouched";
             const int result = xunGetNextUnit(prevTag, &tag, &key);
-            ASSERT_EQ(result, ReferenceNextUnit(reference, prevTag, &refTag, &refKey)) << prevTag;
+            ASSERT_EQ(result, model.NextUnit(prevTag, &refTag, &refKey)) << prevTag;
             ASSERT_EQ(tag, refTag);
             ASSERT_EQ(key, refKey);
-        } else if (!UnitList_.empty()) {
-            // An equivalence walk needs a known reference unit.
-            const CKVunit* unit =
-                *std::next(UnitList_.begin(), static_cast<long>(random() % UnitList_.size()));
-            if (unit == nullptr || MapLookup(unit->m_lKey) != unit)
-                continue;
+        } else if (!model.list.empty()) {
+            const CKVunit* unit = model.list[random() % model.list.size()];
             const int tag = static_cast<int>(unit->m_lKey);
             const int prevTag = static_cast<int>(random() % 10 == 0 ? 0 : random() % 420) - 20;
             int next = -7, refNext = -7;
             const char* key = "untouched";
             const char* refKey = "untouched";
             const int result = xunGetNextEqvUnit(tag, prevTag, &next, &key);
-            ASSERT_EQ(result, ReferenceNextEqvUnit(reference, tag, prevTag, &refNext, &refKey));
+            ASSERT_EQ(result, model.NextEqvUnit(tag, prevTag, &refNext, &refKey));
             ASSERT_EQ(next, refNext);
             ASSERT_EQ(key, refKey);
         }
-        // The key and ident lookups agree with the maps at every step.
+        // Lookups, order and invariants agree with the model now and then.
         if (step % 50 == 0) {
             for (long key = -25; key < 385; ++key)
-                ASSERT_EQ(xunFindUnitByKey_(key), MapLookup(key)) << key;
-            for (const auto& entry : UnitStringMap_)
-                ASSERT_EQ(xunFindUnitByIdent_(entry.first), entry.second);
-            ASSERT_EQ(xunFindUnitByIdent_("never"), nullptr);
+                ASSERT_EQ(xuntest::UnitByKey(key), model.Find(key)) << key;
+            for (const auto& entry : model.byIdent)
+                ASSERT_EQ(xuntest::UnitByIdent(entry.first), entry.second);
+            ASSERT_EQ(xuntest::UnitByIdent("never"), nullptr);
+            ASSERT_EQ(xuntest::AllUnits(), model.list);
+            ASSERT_EQ(xuntest::BrokenInvariant(), "");
         }
     }
 }
 
-TEST(UnitIndex, IterationMatchesTheWalkingFindRoutine) {
-    for (uint64_t start = 1; start <= 4; ++start)
+TEST(UnitIndex, WalksAndLookupsMatchAPlainModel) {
+    for (uint64_t start = 1; start <= 4; ++start) {
+        xunResetRegistries_();
         RunRandomRegistry(start, 4000);
+    }
 }
 
-TEST(UnitIndex, FullWalksMatchTheWalkingFindRoutine) {
-    // Walks to the end, as callers do, interleaved with repeated questions.
+TEST(UnitIndex, FullWalksVisitEveryUnitOnce) {
     std::mt19937_64 random(9);
-    ReferenceFind reference;
+    std::vector<int> expected;
     for (int i = 0; i < 300; ++i) {
         auto* unit =
             new CKVunit("d" + std::to_string(i), "a", 1000 + i, 1.0, 0.0, RandomDimension(random));
         unit->m_strIdent = "i" + std::to_string(i);
-        ASSERT_EQ(AddUnit_(*unit, static_cast<int>(i % 7 == 0)), 1);
+        const bool atFront = i % 7 == 0;
+        ASSERT_EQ(xuntest::AddUnit(unit, atFront), 1);
+        expected.insert(atFront ? expected.begin() : expected.end(), 1000 + i);
     }
-    int visited = 0;
-    int prev = 0, tag = 0, refTag = 0;
+    std::vector<int> visited;
+    int prev = 0, tag = 0;
     const char* key = nullptr;
-    const char* refKey = nullptr;
-    for (;;) {
-        const int result = xunGetNextUnit(prev, &tag, &key);
-        ASSERT_EQ(result, ReferenceNextUnit(reference, prev, &refTag, &refKey));
-        if (!result)
-            break;
-        ASSERT_EQ(tag, refTag);
-        ASSERT_EQ(key, refKey);
-        // The same question again is answered from the cache.
-        ASSERT_EQ(xunGetNextUnit(prev, &tag, &key), 1);
-        ASSERT_EQ(ReferenceNextUnit(reference, prev, &refTag, &refKey), 1);
-        ASSERT_EQ(tag, refTag);
+    while (xunGetNextUnit(prev, &tag, &key) == 1) {
+        visited.push_back(tag);
+        // The same question again gives the same answer.
+        int again = 0;
+        ASSERT_EQ(xunGetNextUnit(prev, &again, &key), 1);
+        ASSERT_EQ(again, tag);
         prev = tag;
-        ++visited;
     }
-    EXPECT_EQ(visited, 300);
+    EXPECT_EQ(visited, expected);
+    EXPECT_EQ(xunGetLastError(nullptr), XUN_ERR_END);
 }
 
-TEST(UnitIndex, MissedLookupsInsertNothing) {
+TEST(UnitIndex, MissedLookupsChangeNothing) {
     auto* unit = new CKVunit("meter", "m", 10, 1.0, 0.0, CKVdimension::GetLength());
     unit->m_strIdent = "m";
-    ASSERT_EQ(AddUnit_(*unit, 0), 1);
+    ASSERT_EQ(xuntest::AddUnit(unit, 0), 1);
     const char* text = nullptr;
     int tag = 0;
     double value = 0;
@@ -321,9 +274,8 @@ TEST(UnitIndex, MissedLookupsInsertNothing) {
     EXPECT_EQ(xunConvertUnitToBase(15, &value, 1.0), 0);
     EXPECT_EQ(xunGetNextUnit(16, &tag, &text), 0);
     EXPECT_EQ(xunUnitsEqv(10, 17), 0);
-    EXPECT_EQ(UnitMap_.size(), 1u);
-    EXPECT_EQ(UnitStringMap_.size(), 1u);
-    EXPECT_EQ(UnitList_.size(), 1u);
+    EXPECT_EQ(xuntest::Registries().units.Count(), 1u);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
 }
 
 // --- what the key index keeps for conversions ------------------------------
@@ -335,7 +287,7 @@ CKVunit* Register(const char* ident, long key, double factor, double offset,
     unit->m_dOffset = offset;
     unit->m_strIdent = ident;
     unit->m_lKey = key;
-    EXPECT_EQ(AddUnit_(*unit, 0), 1) << ident;
+    EXPECT_EQ(xuntest::AddUnit(unit, 0), 1) << ident;
     return unit;
 }
 
@@ -380,7 +332,7 @@ TEST(UnitKeyIndexDeathTest, UnitBrokenBeforeRegistrationStillFailsItsChecks) {
             late->m_pDimParent = &length;
             late->m_strIdent = "Late";
             late->m_lKey = 33;
-            AddUnit_(*late, 0);
+            xuntest::AddUnit(late, 0);
             double result = 0.0;
             xunConvertUnit(33, 32, &result, 1.0);
         },

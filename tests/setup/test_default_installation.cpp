@@ -19,6 +19,7 @@
 #include "registry/ItemTypeRegistry.h"
 #include "registry/UnitRegistry.h"
 #include "xun.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -49,10 +50,10 @@ void Copy(const std::string& from, const std::string& to) {
 
 TEST(DefaultInstallation, LoadsEveryRowQuietly) {
     LoadQuietly(DataDir());
-    EXPECT_GE(UnitList_.size(), 300u);
-    EXPECT_GE(ItemTypeList_.size(), 121u);
-    EXPECT_GE(FilterList_.size(), 8u);
-    EXPECT_EQ(xunGetItemUnitCount(999), static_cast<int>(UnitList_.size()));
+    EXPECT_GE(xuntest::Registries().units.Count(), 300u);
+    EXPECT_GE(xuntest::Registries().itemTypes.Count(), 121u);
+    EXPECT_GE(xuntest::Registries().filters.Count(), 8u);
+    EXPECT_EQ(xunGetItemUnitCount(999), static_cast<int>(xuntest::Registries().units.Count()));
     // Every unit row became a unit: the file has as many rows as the registry.
     std::ifstream xml(DataDir() + "/bin/XUN.xml");
     std::string line;
@@ -66,12 +67,12 @@ TEST(DefaultInstallation, LoadsEveryRowQuietly) {
         else if (inUnits && line.find("<R ") != std::string::npos)
             ++unitRows;
     }
-    EXPECT_EQ(UnitList_.size(), unitRows);
-    for (const CKVitemType* item : ItemTypeList_) {
+    EXPECT_EQ(xuntest::Registries().units.Count(), unitRows);
+    for (const CKVitemType* item : xuntest::Registries().itemTypes) {
         EXPECT_FALSE(item->m_lstUnits.empty()) << item->m_strIdent;
         EXPECT_NE(item->GetFilter(), 0) << item->m_strIdent;
     }
-    for (const CKVfilter* filter : FilterList_)
+    for (const CKVfilter* filter : xuntest::Registries().filters)
         EXPECT_GT(xunGetFilteredItemTypeCount(static_cast<int>(static_cast<long>(*filter))), 0)
             << filter->m_strIdent;
 }

@@ -73,15 +73,15 @@ TEST(Installation, WriteAndUnloadDoNothing) {
 }
 
 TEST(Installation, CopyPathCutsToTheBuffer) {
-    char buffer[kXunPathBufferSize];
+    char buffer[xun::contract::kPathBufferSize];
     EXPECT_TRUE(xunCopyPath_(buffer, "/short/path"));
     EXPECT_STREQ(buffer, "/short/path");
-    const std::string longest(kXunPathBufferSize - 1, 'p');
+    const std::string longest(xun::contract::kPathBufferSize - 1, 'p');
     EXPECT_TRUE(xunCopyPath_(buffer, longest.c_str()));
     EXPECT_EQ(std::string(buffer), longest);
-    const std::string tooLong(kXunPathBufferSize, 'q');
+    const std::string tooLong(xun::contract::kPathBufferSize, 'q');
     EXPECT_FALSE(xunCopyPath_(buffer, tooLong.c_str()));
-    EXPECT_EQ(std::string(buffer), std::string(kXunPathBufferSize - 1, 'q'));
+    EXPECT_EQ(std::string(buffer), std::string(xun::contract::kPathBufferSize - 1, 'q'));
 }
 
 } // namespace

@@ -8,6 +8,7 @@
 #include "registry/UnitRegistry.h"
 #include "setup/Installation.h"
 #include "xun.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -36,7 +37,7 @@ TEST(LoadTables, EmptyPathLoadsTheDefaultSetupFile) {
     xunSetupGetPath(&docName);
     EXPECT_EQ(std::string(docName), Home("nolang") + "/bin/XUN.xml");
     EXPECT_STREQ(szDllFileName, "");
-    EXPECT_EQ(UnitList_.size(), 3u);
+    EXPECT_EQ(xuntest::Registries().units.Count(), 3u);
 }
 
 TEST(LoadTables, PathIsKeptInTheDllFileName) {
@@ -105,8 +106,8 @@ TEST(LoadTables, SecondLoadAppliesTheLanguageFilesAgain) {
     LoadFrom("langhome");
     LoadFrom("langhome");
     EXPECT_EQ(UnitText(1000, xunGetUnitKey), "Meter");
-    EXPECT_EQ(UnitList_.size(), 3u);
-    EXPECT_EQ(ItemTypeList_.size(), 2u);
+    EXPECT_EQ(xuntest::Registries().units.Count(), 3u);
+    EXPECT_EQ(xuntest::Registries().itemTypes.Count(), 2u);
 }
 
 TEST(LoadTables, FailedSetupLoadReadsNoLanguageFile) {
@@ -115,7 +116,7 @@ TEST(LoadTables, FailedSetupLoadReadsNoLanguageFile) {
     xunLoadItemTypeTables("/nonexistent/XUN.xml");
     EXPECT_EQ(testing::internal::GetCapturedStderr(),
               "Document '/nonexistent/XUN.xml' not parsed successfully. \n");
-    EXPECT_TRUE(UnitList_.empty());
+    EXPECT_TRUE((xuntest::Registries().units.Count() == 0));
     EXPECT_STREQ(szDllFileName, "/nonexistent/XUN.xml");
     const char* docName = nullptr;
     xunSetupGetPath(&docName);
@@ -125,7 +126,7 @@ TEST(LoadTables, FailedSetupLoadReadsNoLanguageFile) {
 TEST(LoadTables, NullPathIsTakenAsEmpty) {
     setenv("KORVANE_HOME", Home("nolang").c_str(), 1);
     xunLoadItemTypeTables(nullptr);
-    EXPECT_EQ(UnitList_.size(), 3u);
+    EXPECT_EQ(xuntest::Registries().units.Count(), 3u);
     EXPECT_STREQ(szDllFileName, "");
 }
 

@@ -12,6 +12,7 @@
 #include "registry/UnitRegistry.h"
 #include "setup/Installation.h"
 #include "xun.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -22,7 +23,7 @@ std::string DataFile(const std::string& name) {
 
 std::vector<std::string> UnitIdents() {
     std::vector<std::string> idents;
-    for (const CKVunit* unit : UnitList_)
+    for (const CKVunit* unit : xuntest::Registries().units)
         idents.push_back(unit->m_strIdent);
     return idents;
 }
@@ -52,7 +53,7 @@ int LoadQuietly(const std::string& path, std::string* out = nullptr, std::string
 }
 
 const CKVitemType& Item(long key) {
-    const CKVitemType* item = xunFindItemTypeByKey_(key);
+    const CKVitemType* item = xuntest::ItemByKey(key);
     EXPECT_NE(item, nullptr) << key;
     static CKVitemType missing("", 1, "", CKVdimension::GetNonDim());
     return item != nullptr ? *item : missing;
@@ -64,11 +65,12 @@ TEST(SetupLoader, LoadsTheExampleIntoAnEmptyLibrary) {
               (std::vector<std::string>{"UnitMeter", "UnitKilometer", "UnitSecond", "UnitHour",
                                         "UnitKelvin", "UnitCelsius", "UnitMps"}));
     for (long k = 1; k <= 8; ++k)
-        EXPECT_EQ(xunFindUnitByKey_(k), nullptr) << k;
-    EXPECT_EQ(xunFindUnitByIdent_("Length"), nullptr);
-    EXPECT_EQ(UnitMap_.count(3) + UnitStringMap_.count("Mass"), 0u);
+        EXPECT_EQ(xuntest::UnitByKey(k), nullptr) << k;
+    EXPECT_EQ(xuntest::UnitByIdent("Length"), nullptr);
+    EXPECT_EQ(xuntest::UnitByIdent("Mass"), nullptr);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
 
-    const CKVunit* km = xunFindUnitByKey_(1001);
+    const CKVunit* km = xuntest::UnitByKey(1001);
     ASSERT_NE(km, nullptr);
     EXPECT_EQ(km->m_strIdent, "UnitKilometer");
     EXPECT_EQ(km->m_strDesc, "kilometer");
@@ -76,19 +78,19 @@ TEST(SetupLoader, LoadsTheExampleIntoAnEmptyLibrary) {
     EXPECT_EQ(km->m_strExpr, "UnitMeter*1000");
     EXPECT_EQ(km->m_dFactor, 1000.0);
     EXPECT_TRUE(km->IsEqv(CKVdimension::GetLength()));
-    const CKVunit* meter = xunFindUnitByKey_(1000);
+    const CKVunit* meter = xuntest::UnitByKey(1000);
     ASSERT_NE(meter, nullptr);
     EXPECT_TRUE(meter->IsAlias("metre"));
-    const CKVunit* second = xunFindUnitByKey_(1100);
+    const CKVunit* second = xuntest::UnitByKey(1100);
     ASSERT_NE(second, nullptr);
     EXPECT_EQ(std::vector<std::string>(second->m_lstAlias.begin(), second->m_lstAlias.end()),
               (std::vector<std::string>{"sec", "secs"}));
-    const CKVunit* celsius = xunFindUnitByKey_(1201);
+    const CKVunit* celsius = xuntest::UnitByKey(1201);
     ASSERT_NE(celsius, nullptr);
     EXPECT_EQ(celsius->m_dOffset, 273.15);
     EXPECT_EQ(celsius->m_dFactor, 1.0);
 
-    ASSERT_EQ(ItemTypeList_.size(), 3u);
+    ASSERT_EQ(xuntest::Registries().itemTypes.Count(), 3u);
     const CKVitemType& level = Item(100);
     EXPECT_EQ(level.m_strKey, "Water Level");
     EXPECT_EQ(level.m_strIdent, "ItemWaterLevel");
@@ -114,11 +116,11 @@ TEST(SetupLoader, LoadsTheExampleIntoAnEmptyLibrary) {
     EXPECT_EQ(speed.m_lUserUnit, -1);
     EXPECT_EQ(speed.GetFilter(), 1);
 
-    ASSERT_EQ(FilterList_.size(), 2u);
-    EXPECT_EQ(static_cast<long>(*FilterList_.front()), 1);
-    EXPECT_EQ(FilterList_.front()->m_strIdent, "FilterHydro");
-    EXPECT_EQ(FilterList_.front()->m_strKey, "Hydrodynamics");
-    EXPECT_EQ(static_cast<long>(*FilterList_.back()), 4);
+    ASSERT_EQ(xuntest::Registries().filters.Count(), 2u);
+    EXPECT_EQ(static_cast<long>(*xuntest::Registries().filters.At(0)), 1);
+    EXPECT_EQ(xuntest::Registries().filters.At(0)->m_strIdent, "FilterHydro");
+    EXPECT_EQ(xuntest::Registries().filters.At(0)->m_strKey, "Hydrodynamics");
+    EXPECT_EQ(static_cast<long>(*xuntest::Registries().filters.At(1)), 4);
 
     const char* docName = nullptr;
     xunSetupGetPath(&docName);
@@ -127,14 +129,14 @@ TEST(SetupLoader, LoadsTheExampleIntoAnEmptyLibrary) {
 
 TEST(SetupLoader, SecondLoadOfTheSameFileChangesNoCount) {
     ASSERT_EQ(LoadQuietly(DataFile("basic.xml")), 1);
-    const size_t units = UnitList_.size();
+    const size_t units = xuntest::Registries().units.Count();
     const std::vector<std::string> idents = UnitIdents();
     ASSERT_EQ(LoadQuietly(DataFile("basic.xml")), 1);
-    EXPECT_EQ(UnitList_.size(), units);
-    EXPECT_EQ(UnitMap_.size(), units);
+    EXPECT_EQ(xuntest::Registries().units.Count(), units);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
     EXPECT_EQ(UnitIdents(), idents);
-    EXPECT_EQ(ItemTypeList_.size(), 3u);
-    EXPECT_EQ(FilterList_.size(), 2u);
+    EXPECT_EQ(xuntest::Registries().itemTypes.Count(), 3u);
+    EXPECT_EQ(xuntest::Registries().filters.Count(), 2u);
     EXPECT_EQ(AllowedKeys(Item(101)), (std::vector<long>{1201, 1200}));
     EXPECT_EQ(Item(100).GetFilter(), 5);
     EXPECT_EQ(Item(102).GetFilter(), 1);
@@ -143,7 +145,7 @@ TEST(SetupLoader, SecondLoadOfTheSameFileChangesNoCount) {
 TEST(SetupLoader, SecondLoadRefreshesTextsButNotExpressions) {
     ASSERT_EQ(LoadQuietly(DataFile("basic.xml")), 1);
     ASSERT_EQ(LoadQuietly(DataFile("basic_edited.xml")), 1);
-    const CKVunit* meter = xunFindUnitByKey_(1000);
+    const CKVunit* meter = xuntest::UnitByKey(1000);
     ASSERT_NE(meter, nullptr);
     EXPECT_EQ(meter->m_strDesc, "metre");
     EXPECT_EQ(meter->m_strAbbr, "m.");
@@ -152,7 +154,7 @@ TEST(SetupLoader, SecondLoadRefreshesTextsButNotExpressions) {
     EXPECT_FALSE(meter->IsAlias("meter"));
     // The new unit was added after the ones already there.
     EXPECT_EQ(UnitIdents().back(), "UnitMile");
-    EXPECT_EQ(xunFindUnitByKey_(1002)->m_dFactor, 1609.344);
+    EXPECT_EQ(xuntest::UnitByKey(1002)->m_dFactor, 1609.344);
 
     const CKVitemType& level = Item(100);
     EXPECT_EQ(level.m_strKey, "Level of water");
@@ -165,8 +167,8 @@ TEST(SetupLoader, SecondLoadRefreshesTextsButNotExpressions) {
     // Filter bits are only added.
     EXPECT_EQ(level.GetFilter(), 5);
     EXPECT_EQ(Item(102).GetFilter(), 1 | 8);
-    EXPECT_EQ(xunFindFilterByKey_(4)->m_strKey, "Heat and cold");
-    EXPECT_EQ(FilterList_.size(), 3u);
+    EXPECT_EQ(xuntest::FilterByKey(4)->m_strKey, "Heat and cold");
+    EXPECT_EQ(xuntest::Registries().filters.Count(), 3u);
 }
 
 TEST(SetupLoader, RowRules) {
@@ -176,25 +178,25 @@ TEST(SetupLoader, RowRules) {
                    "UnitMeter*furlong"
                    "Error reading unit\nUnitNoExpr\nUnsuccessful parsing of the expression\n");
     // A row without KvId takes the previous key and is refused as a duplicate.
-    EXPECT_EQ(xunFindUnitByIdent_("UnitNoKey"), nullptr);
+    EXPECT_EQ(xuntest::UnitByIdent("UnitNoKey"), nullptr);
     // 0x10 reads as 0 in base 10.
-    const CKVunit* hex = xunFindUnitByIdent_("UnitHex");
+    const CKVunit* hex = xuntest::UnitByIdent("UnitHex");
     ASSERT_NE(hex, nullptr);
     EXPECT_EQ(hex->m_lKey, 0);
     // Base-unit idents and keys are taken while units are read.
-    EXPECT_EQ(xunFindUnitByKey_(1005), nullptr);
-    EXPECT_EQ(xunFindUnitByIdent_("UnitBaseKey"), nullptr);
+    EXPECT_EQ(xuntest::UnitByKey(1005), nullptr);
+    EXPECT_EQ(xuntest::UnitByIdent("UnitBaseKey"), nullptr);
     // A duplicate key with another ident changes nothing.
-    EXPECT_EQ(xunFindUnitByIdent_("UnitOther"), nullptr);
-    EXPECT_EQ(xunFindUnitByKey_(1000)->m_strDesc, "meter");
-    EXPECT_EQ(xunFindUnitByIdent_("UnitNumber"), nullptr);
+    EXPECT_EQ(xuntest::UnitByIdent("UnitOther"), nullptr);
+    EXPECT_EQ(xuntest::UnitByKey(1000)->m_strDesc, "meter");
+    EXPECT_EQ(xuntest::UnitByIdent("UnitNumber"), nullptr);
     EXPECT_EQ(UnitIdents(), (std::vector<std::string>{"UnitMeter", "UnitHex", "UnitLast"}));
-    EXPECT_TRUE(xunFindUnitByIdent_("UnitLast")->IsEqv(CKVdimension::GetMass()));
+    EXPECT_TRUE(xuntest::UnitByIdent("UnitLast")->IsEqv(CKVdimension::GetMass()));
 
-    EXPECT_NE(xunFindItemTypeByKey_(0), nullptr);
-    EXPECT_EQ(xunFindItemTypeByKey_(0)->m_strIdent, "ItemHex");
-    EXPECT_EQ(xunFindItemTypeByIdent_("ItemNoDefault"), nullptr);
-    EXPECT_EQ(xunFindItemTypeByIdent_("ItemUnknownDefault"), nullptr);
+    EXPECT_NE(xuntest::ItemByKey(0), nullptr);
+    EXPECT_EQ(xuntest::ItemByKey(0)->m_strIdent, "ItemHex");
+    EXPECT_EQ(xuntest::ItemByIdent("ItemNoDefault"), nullptr);
+    EXPECT_EQ(xuntest::ItemByIdent("ItemUnknownDefault"), nullptr);
     const CKVitemType& userOnly = Item(202);
     EXPECT_EQ(userOnly.m_lUserUnit, -1);
     EXPECT_EQ(userOnly.m_nDecimals, 5);
@@ -205,20 +207,20 @@ TEST(SetupLoader, RowRules) {
     EXPECT_EQ(carried.m_dDefault, 3.5);
     EXPECT_EQ(AllowedKeys(carried), (std::vector<long>{1000, 0}));
     // A row without KvId reuses 203 and is refused.
-    EXPECT_EQ(xunFindItemTypeByIdent_("ItemNoKey"), nullptr);
+    EXPECT_EQ(xuntest::ItemByIdent("ItemNoKey"), nullptr);
 
-    EXPECT_NE(xunFindFilterByKey_(16), nullptr);
-    EXPECT_EQ(xunFindFilterByKey_(16)->m_strIdent, "FilterHex");
-    EXPECT_EQ(xunFindItemTypeByKey_(0)->GetFilter(), 16);
-    EXPECT_NE(xunFindFilterByKey_(8), nullptr);
-    EXPECT_EQ(xunFindFilterByKey_(8)->m_strIdent, "FilterOctal");
-    EXPECT_EQ(xunFindFilterByIdent_("FilterNoKey"), nullptr);
+    EXPECT_NE(xuntest::FilterByKey(16), nullptr);
+    EXPECT_EQ(xuntest::FilterByKey(16)->m_strIdent, "FilterHex");
+    EXPECT_EQ(xuntest::ItemByKey(0)->GetFilter(), 16);
+    EXPECT_NE(xuntest::FilterByKey(8), nullptr);
+    EXPECT_EQ(xuntest::FilterByKey(8)->m_strIdent, "FilterOctal");
+    EXPECT_EQ(xuntest::FilterByIdent("FilterNoKey"), nullptr);
 }
 
 TEST(SetupLoader, ItemTypesNeedUnitsRegisteredBefore) {
     ASSERT_EQ(LoadQuietly(DataFile("items_only.xml")), 1);
-    EXPECT_TRUE(ItemTypeList_.empty());
-    EXPECT_TRUE(UnitList_.empty());
+    EXPECT_TRUE((xuntest::Registries().itemTypes.Count() == 0));
+    EXPECT_TRUE((xuntest::Registries().units.Count() == 0));
     ASSERT_EQ(LoadQuietly(DataFile("basic.xml")), 1);
     ASSERT_EQ(LoadQuietly(DataFile("items_only.xml")), 1);
     EXPECT_EQ(Item(100).m_strKey, "Water Level");
@@ -245,7 +247,7 @@ TEST(SetupLoader, MalformedFileFails) {
     const std::string path = DataFile("malformed.xml");
     EXPECT_EQ(LoadQuietly(path, nullptr, &err), 0);
     EXPECT_EQ(err, "Document '" + path + "' not parsed successfully. \n");
-    EXPECT_TRUE(UnitList_.empty());
+    EXPECT_TRUE((xuntest::Registries().units.Count() == 0));
 }
 
 TEST(SetupLoader, OverlongPathIsRefused) {
@@ -262,14 +264,14 @@ TEST(SetupLoader, NullAndEmptyPathLoadTheDefaultFile) {
     const char* docName = nullptr;
     xunSetupGetPath(&docName);
     EXPECT_EQ(std::string(docName), home + "/bin/XUN.xml");
-    EXPECT_NE(xunFindUnitByKey_(1000), nullptr);
+    EXPECT_NE(xuntest::UnitByKey(1000), nullptr);
     testing::internal::CaptureStdout();
     EXPECT_EQ(xunSetupLoad(nullptr), 1);
     EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
     EXPECT_EQ(xunSetupLoadLinux(nullptr), 1);
     xunSetupGetPath(&docName);
     EXPECT_EQ(std::string(docName), home + "/bin/XUN.xml");
-    EXPECT_EQ(UnitList_.size(), 1u);
+    EXPECT_EQ(xuntest::Registries().units.Count(), 1u);
 }
 
 TEST(SetupLoader, UnsetHomeLooksForTheNullText) {

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "tools/tool_runner.h"
+#include "registry_access.h"
 
 using xuntest::Xun;
 

@@ -3,6 +3,7 @@
 
 #include <string>
 #include <vector>
+#include "registry_access.h"
 
 namespace xuntest {
 

@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "unit_fixture.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -171,8 +172,8 @@ TEST_F(Derived, IntegrationOverSeconds) {
 
 TEST_F(Derived, SlotsMustAgreeNotOnlyTheOverallFactor) {
     // km*h and m*s*3600000 have the same factor but spread it differently.
-    const CKVunit* kmh = xunFindUnitByKey_(1400);
-    const CKVunit* mps36 = xunFindUnitByKey_(1401);
+    const CKVunit* kmh = xuntest::UnitByKey(1400);
+    const CKVunit* mps36 = xuntest::UnitByKey(1401);
     ASSERT_NE(kmh, nullptr);
     ASSERT_NE(mps36, nullptr);
     EXPECT_EQ(kmh->m_dFactor, mps36->m_dFactor);

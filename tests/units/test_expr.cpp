@@ -6,6 +6,7 @@
 
 #include "unit_fixture.h"
 #include "units/KVexpr.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -183,7 +184,7 @@ TEST_F(Expr, NumberPlusUnitKeepsTheNumberAndDropsTheOffset) {
     EXPECT_EQ(m.unit->m_dOffset, 0.0);
     EXPECT_EQ(*m.value, 2.0);
     // The registered unit on the right is left as it was.
-    EXPECT_EQ(xunFindUnitByIdent_("degC")->m_dOffset, 273.15);
+    EXPECT_EQ(xuntest::UnitByIdent("degC")->m_dOffset, 273.15);
 }
 
 TEST_F(Expr, UnitsOnBothSidesOfASignFail) {

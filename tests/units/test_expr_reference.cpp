@@ -21,8 +21,9 @@
 #include <vector>
 
 #include "unit_fixture.h"
-#include "units/KVassert.h"
+#include "common/Assert.h"
 #include "units/KVexpr.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -113,7 +114,7 @@ class Reference {
                 if (name.empty() || name.size() > 127)
                     return false;
                 pos = end;
-                unit = xunFindUnitByIdent_(name);
+                unit = xuntest::UnitByIdent(name);
                 if (unit == nullptr) {
                     if (name != "pi")
                         return false;

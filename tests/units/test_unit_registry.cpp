@@ -1,10 +1,13 @@
 #include <gtest/gtest.h>
 
+#include <memory>
+
 #include <cstdlib>
 #include <string>
 #include <vector>
 
 #include "unit_fixture.h"
+#include "registry_access.h"
 
 namespace {
 
@@ -54,16 +57,19 @@ TEST(UnitRegistry, GetAllJoinsIdentsInListOrder) {
 
 TEST(UnitRegistry, AddUnitRefusesDuplicateKeyOrIdent) {
     CKVunit* a = RegisterUnit("a", 10, 1.0, 0.0, CKVdimension::GetLength());
-    CKVunit sameKey("other", "o", 10, 2.0, CKVdimension::GetLength());
-    sameKey.m_strIdent = "other";
-    EXPECT_EQ(AddUnit_(sameKey, 0), 0);
-    CKVunit sameIdent("a", "a", 11, 2.0, CKVdimension::GetLength());
-    sameIdent.m_strIdent = "a";
-    EXPECT_EQ(AddUnit_(sameIdent, 1), 0);
-    EXPECT_EQ(UnitList_.size(), 1u);
-    EXPECT_EQ(xunFindUnitByKey_(10), a);
-    EXPECT_EQ(xunFindUnitByKey_(11), nullptr);
-    EXPECT_EQ(xunFindUnitByIdent_("other"), nullptr);
+    std::unique_ptr<CKVunit> sameKey(new CKVunit("other", "o", 10, 2.0, CKVdimension::GetLength()));
+    sameKey->m_strIdent = "other";
+    EXPECT_FALSE(xuntest::Registries().units.Add(sameKey, false));
+    EXPECT_NE(sameKey, nullptr);
+    std::unique_ptr<CKVunit> sameIdent(new CKVunit("a", "a", 11, 2.0, CKVdimension::GetLength()));
+    sameIdent->m_strIdent = "a";
+    EXPECT_FALSE(xuntest::Registries().units.Add(sameIdent, true));
+    EXPECT_NE(sameIdent, nullptr);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
+    EXPECT_EQ(xuntest::Registries().units.Count(), 1u);
+    EXPECT_EQ(xuntest::UnitByKey(10), a);
+    EXPECT_EQ(xuntest::UnitByKey(11), nullptr);
+    EXPECT_EQ(xuntest::UnitByIdent("other"), nullptr);
 }
 
 TEST(UnitRegistry, AddAtFrontGoesBeforeAllOthers) {
@@ -71,13 +77,11 @@ TEST(UnitRegistry, AddAtFrontGoesBeforeAllOthers) {
     RegisterUnit("b", 11, 1.0, 0.0, CKVdimension::GetLength());
     CKVunit* c = new CKVunit("c", "c", 12, 1.0, CKVdimension::GetLength());
     c->m_strIdent = "c";
-    EXPECT_EQ(AddUnit_(*c, 1), 1);
+    EXPECT_EQ(xuntest::AddUnit(c, 1), 1);
     EXPECT_EQ(WalkAll(), (std::vector<std::string>{"c", "a", "b"}));
 }
 
-TEST(UnitRegistry, EmptyMapEntriesDoNotBlockRegistration) {
-    UnitMap_[42] = nullptr;
-    UnitStringMap_["late"] = nullptr;
+TEST(UnitRegistry, FailedLookupsLeaveNothingBehind) {
     int tag = 7;
     EXPECT_EQ(xunGetUnitTagFromIdent("late", &tag), 0);
     EXPECT_EQ(tag, 7);
@@ -87,6 +91,7 @@ TEST(UnitRegistry, EmptyMapEntriesDoNotBlockRegistration) {
     RegisterUnit("late", 42, 1.0, 0.0, CKVdimension::GetLength());
     EXPECT_EQ(xunGetUnitTagFromIdent("late", &tag), 1);
     EXPECT_EQ(tag, 42);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
 }
 
 TEST(UnitRegistry, UnitNewTakesKeysFrom100000) {
@@ -111,7 +116,7 @@ TEST(UnitRegistry, UnitNewCountsUpFromTheLargestKey) {
 TEST(UnitRegistry, UnitNewSetsNamesAndKeepsTheExpression) {
     RegisterBaseUnits();
     ASSERT_EQ(xunUnitNew("degF", "degree Fahrenheit", "F", "Temperature*5/9+459.67*5/9"), 1);
-    const CKVunit* u = xunFindUnitByIdent_("degF");
+    const CKVunit* u = xuntest::UnitByIdent("degF");
     ASSERT_NE(u, nullptr);
     EXPECT_EQ(u->m_strDesc, "degree Fahrenheit");
     EXPECT_EQ(u->m_strAbbr, "F");
@@ -127,10 +132,10 @@ TEST(UnitRegistry, UnitNewRefusesBadExpressionsAndTakenIdents) {
     EXPECT_EQ(xunUnitNew("bad2", "bad", "b", "Furlong"), 0);
     EXPECT_EQ(xunUnitNew("num", "number", "n", "1000"), 0);
     EXPECT_EQ(xunUnitNew("empty", "empty", "e", ""), 0);
-    const size_t count = UnitList_.size();
+    const size_t count = xuntest::Registries().units.Count();
     EXPECT_EQ(xunUnitNew("Length", "again", "l", "Length*2"), 0);
-    EXPECT_EQ(UnitList_.size(), count);
-    EXPECT_EQ(xunFindUnitByIdent_("Length")->m_dFactor, 1.0);
+    EXPECT_EQ(xuntest::Registries().units.Count(), count);
+    EXPECT_EQ(xuntest::UnitByIdent("Length")->m_dFactor, 1.0);
 }
 
 TEST(UnitRegistryDeathTest, UnitNewWithNullTextThrows) {
@@ -375,11 +380,11 @@ TEST(UnitRegistry, FindCacheSurvivesRemovalOfTheFirstUnit) {
     const char* key = nullptr;
     ASSERT_EQ(xunGetNextUnit(1, &tag, &key), 1);
     EXPECT_EQ(tag, 1000);
-    CKVunit* base = xunFindUnitByKey_(1);
-    xunRemoveUnit_(base);
-    delete base;
-    EXPECT_EQ(xunFindUnitByKey_(1), nullptr);
-    EXPECT_EQ(xunFindUnitByIdent_("base"), nullptr);
+    const CKVunit* base = xuntest::UnitByKey(1);
+    EXPECT_NE(xuntest::Registries().units.Remove(base), nullptr);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
+    EXPECT_EQ(xuntest::UnitByKey(1), nullptr);
+    EXPECT_EQ(xuntest::UnitByIdent("base"), nullptr);
     EXPECT_EQ(xunGetNextUnit(1, &tag, &key), 0);
     EXPECT_EQ(WalkAll(), (std::vector<std::string>{"m", "km"}));
     ASSERT_EQ(xunGetNextEqvUnit(1000, 1000, &tag, &key), 1);

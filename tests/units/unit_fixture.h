@@ -6,9 +6,9 @@
 
 #include <string>
 
-#include "registry/UnitRegistry.h"
 #include "units/KVexpr.h"
 #include "xun.h"
+#include "registry_access.h"
 
 namespace xuntest {
 
@@ -16,7 +16,7 @@ inline CKVunit* RegisterUnit(const char* ident, long key, double factor, double 
                              const CKVdimension& dim, const char* desc = nullptr) {
     CKVunit* unit = new CKVunit(desc ? desc : ident, ident, key, factor, offset, dim);
     unit->m_strIdent = ident;
-    EXPECT_EQ(AddUnit_(*unit, 0), 1) << ident;
+    EXPECT_EQ(xuntest::AddUnit(unit, 0), 1) << ident;
     return unit;
 }
 
@@ -46,7 +46,7 @@ inline CKVunit* Define(const char* ident, long key, const char* expr, const char
     unit->m_strAbbr = abbr;
     unit->m_strExpr = expr;
     unit->m_lKey = key;
-    EXPECT_EQ(AddUnit_(*unit, 0), 1) << ident;
+    EXPECT_EQ(xuntest::AddUnit(unit, 0), 1) << ident;
     return unit;
 }
 

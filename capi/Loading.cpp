@@ -1,0 +1,81 @@
+// Exported load entry points, path functions and the unit base-group file.
+#include "capi/Api.h"
+#include "langfile/UnitBaseGroup.h"
+#include "setup/Installation.h"
+#include "setup/LoadTables.h"
+#include "setup/SetupLoader.h"
+
+using namespace xun::capi;
+
+extern "C" {
+
+int xunSetupLoad(const char* path) {
+    return Guard("xunSetupLoad", 0, [&] {
+        CXunLoadReport report;
+        std::string fileName;
+        if (!xunLoadSetupFile_(Registries(), path, report, fileName))
+            return xunFail_(XUN_ERR_FILE,
+                            "xunSetupLoad: the setup file '%s' cannot be read or is not "
+                            "well-formed XML",
+                            fileName.c_str());
+        return 1;
+    });
+}
+
+int xunSetupLoadLinux(const char* path) {
+    return xunSetupLoad(path);
+}
+
+void xunLoadItemTypeTables(const char* path) {
+    Guard("xunLoadItemTypeTables", 0, [&] {
+        // A null path is taken as the empty text: the default setup file.
+        const char* text = path != nullptr ? path : "";
+        xunCopyPath_(szDllFileName, text);
+        // Through the exported symbol, as a host would call it.
+        if (!xunSetupLoad(text))
+            return 0;
+        CXunLoadReport report;
+        xunApplyLanguageFiles_(Registries(), xunInstallDir_(), report);
+        return 1;
+    });
+}
+
+void xunSetupUnload(void) {}
+
+int xunSetupWrite(void) {
+    return 1;
+}
+
+void xunSetupGetPath(const char** path) {
+    if (path == nullptr) {
+        NullArgument("xunSetupGetPath", "path");
+        return;
+    }
+    *path = szDocName;
+}
+
+void LoadUnitBaseGroupFile(char* fileName) {
+    Guard("LoadUnitBaseGroupFile", 0, [&] {
+        CXunLoadReport report;
+        if (!xunApplyBaseGroupFile_(Registries(), fileName, report))
+            return xunFail_(XUN_ERR_FILE, "LoadUnitBaseGroupFile: the file '%s' is not loaded",
+                            fileName != nullptr ? fileName : "");
+        return 1;
+    });
+}
+
+} // extern "C"
+
+void xunUnloadItemTypeTables() {}
+
+int _fullpath(char* absPath, const char* /*relPath*/, int /*maxLength*/) {
+    return xunWriteInstallDir_(absPath);
+}
+
+int _splitpath(char* /*path*/, char* /*drive*/, char* dir, char* /*fname*/, char* /*ext*/) {
+    return xunWriteInstallDir_(dir);
+}
+
+int _makepath(char* path, char* /*drive*/, char* dir, char* fname, char* ext) {
+    return xunWriteMadePath_(path, dir, fname, ext);
+}

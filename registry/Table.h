@@ -1,0 +1,133 @@
+// CKVtable: the storage every registry is made of - objects in registration
+// order, found by numeric key and by ident in constant time, owned by the
+// table. No two objects share a key or an ident; the table never holds a
+// null pointer.
+//
+// A table hands its objects out; it is what the registry classes build on,
+// and only they use it. Lookups never write anything, so any number of
+// threads may look up at once while nobody adds or removes.
+#pragma once
+
+#include <cstddef>
+#include <memory>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "registry/HashIndex.h"
+
+// How a table reads the key and the ident of its objects:
+//   long XunKeyOf(const T&);  const std::string& XunIdentOf(const T&);
+// declared beside each object type.
+
+template <class T> class CKVtable {
+  public:
+    static constexpr std::size_t npos = static_cast<std::size_t>(-1);
+
+    CKVtable() = default;
+    CKVtable(const CKVtable&) = delete;
+    CKVtable& operator=(const CKVtable&) = delete;
+    ~CKVtable() {
+        for (T* object : m_list)
+            delete object;
+    }
+
+    // Registers object, appended or (atFront) inserted before all others, and
+    // takes it over (object becomes null). Returns false and changes nothing
+    // (object stays with the caller) when its key or its ident is taken.
+    bool Add(std::unique_ptr<T>& object, bool atFront = false) {
+        const long key = XunKeyOf(*object);
+        const std::string& ident = XunIdentOf(*object);
+        if (m_byKey.Find(key) != nullptr || m_byIdent.Find(std::string_view(ident)) != nullptr)
+            return false;
+        T* raw = object.get();
+        // Make room first, so that nothing after the first change can fail:
+        // each index is grown and the ident copied before the object goes in.
+        std::string identCopy(ident);
+        m_list.reserve(m_list.size() + 1);
+        m_byKey.Reserve(m_byKey.Size() + 1);
+        m_byIdent.Reserve(m_byIdent.Size() + 1);
+        m_position.Reserve(m_position.Size() + 1);
+        if (atFront) {
+            m_list.insert(m_list.begin(), raw);
+            RenumberFrom(0);
+        } else {
+            m_list.push_back(raw);
+            m_position.Set(raw, m_list.size() - 1);
+        }
+        m_byKey.Set(key, raw);
+        m_byIdent.Set(std::move(identCopy), raw);
+        object.release();
+        return true;
+    }
+
+    // Takes a registered object out of the table and hands it back; null
+    // when it is not registered.
+    std::unique_ptr<T> Remove(const T* object) {
+        const std::size_t index = IndexOf(object);
+        if (index == npos)
+            return nullptr;
+        T* raw = m_list[index];
+        m_list.erase(m_list.begin() + static_cast<std::ptrdiff_t>(index));
+        m_position.Erase(raw);
+        RenumberFrom(index);
+        m_byKey.Erase(XunKeyOf(*raw));
+        m_byIdent.Erase(XunIdentOf(*raw));
+        return std::unique_ptr<T>(raw);
+    }
+
+    T* FindByKey(long key) const {
+        T* const* found = m_byKey.Find(key);
+        return found != nullptr ? *found : nullptr;
+    }
+    T* FindByIdent(std::string_view ident) const {
+        T* const* found = m_byIdent.Find(ident);
+        return found != nullptr ? *found : nullptr;
+    }
+
+    std::size_t Count() const { return m_list.size(); }
+    // The object at index (0-based) in registration order.
+    T* At(std::size_t index) const { return m_list[index]; }
+    // The index of a registered object; npos for anything else.
+    std::size_t IndexOf(const T* object) const {
+        const std::size_t* index = m_position.Find(object);
+        return index != nullptr ? *index : npos;
+    }
+
+    // The objects in registration order, for range-for.
+    typename std::vector<T*>::const_iterator begin() const { return m_list.begin(); }
+    typename std::vector<T*>::const_iterator end() const { return m_list.end(); }
+
+    // Throws std::logic_error naming the first broken invariant: every
+    // object is found under its key and its ident and at its index, and the
+    // indexes hold nothing else.
+    void CheckInvariants(const char* what) const {
+        if (m_byKey.Size() != m_list.size() || m_byIdent.Size() != m_list.size() ||
+            m_position.Size() != m_list.size())
+            throw std::logic_error(std::string(what) + ": an index and the list differ in size");
+        for (std::size_t i = 0; i < m_list.size(); ++i) {
+            const T* object = m_list[i];
+            if (object == nullptr)
+                throw std::logic_error(std::string(what) + ": a null element");
+            if (FindByKey(XunKeyOf(*object)) != object)
+                throw std::logic_error(std::string(what) + ": an object is not found by key");
+            if (FindByIdent(XunIdentOf(*object)) != object)
+                throw std::logic_error(std::string(what) + ": an object is not found by ident");
+            if (IndexOf(object) != i)
+                throw std::logic_error(std::string(what) + ": an object is not at its index");
+        }
+    }
+
+  private:
+    void RenumberFrom(std::size_t first) {
+        for (std::size_t i = first; i < m_list.size(); ++i)
+            m_position.Set(m_list[i], i);
+    }
+
+    std::vector<T*> m_list; // owned
+    CKVhashIndex<long, T*> m_byKey;
+    CKVhashIndex<std::string, T*> m_byIdent;
+    CKVhashIndex<const T*, std::size_t> m_position;
+};

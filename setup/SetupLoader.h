@@ -1,0 +1,24 @@
+// The setup loader: reads the XML setup file and fills a registry in three
+// passes (units, item types, filters). A second load adds what is new and
+// refreshes what is already registered.
+//
+// The row rules live here once. A load of the process-wide registry
+// (xunSetupLoad) runs them with printing and the designed assertions; a
+// check (xunSetupCheck) runs them on a copy with an observer and without
+// either (common/LoadReport.h).
+#pragma once
+
+#include <string>
+
+#include "common/LoadReport.h"
+#include "registry/Registries.h"
+
+// Loads the setup file path (null or empty: $KORVANE_HOME/bin/XUN.xml) into
+// registries. Returns 1 when the document was loaded and processed, 0 when
+// it could not be read or parsed (or its path is too long). In a load the
+// numeric locale is "C" while it runs and is restored after a successful
+// load only, and szDocName records the file; in a check the locale and the
+// evaluator's decimal symbol are restored in every case and szDocName is
+// left alone. fileName receives the path used.
+int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadReport& report,
+                      std::string& fileName);
