@@ -68,14 +68,28 @@ void LoadUnitBaseGroupFile(char* fileName) {
 
 void xunUnloadItemTypeTables() {}
 
+// The path functions check no lengths, as their drive-and-directory
+// counterparts: callers pass buffers of 260 bytes.
 int _fullpath(char* absPath, const char* /*relPath*/, int /*maxLength*/) {
-    return xunWriteInstallDir_(absPath);
+    return Guard("_fullpath", 0, [&] {
+        if (absPath == nullptr)
+            return NullArgument("_fullpath", "absPath");
+        return xunWriteInstallDir_(absPath);
+    });
 }
 
 int _splitpath(char* /*path*/, char* /*drive*/, char* dir, char* /*fname*/, char* /*ext*/) {
-    return xunWriteInstallDir_(dir);
+    return Guard("_splitpath", 0, [&] {
+        if (dir == nullptr)
+            return NullArgument("_splitpath", "dir");
+        return xunWriteInstallDir_(dir);
+    });
 }
 
 int _makepath(char* path, char* /*drive*/, char* dir, char* fname, char* ext) {
-    return xunWriteMadePath_(path, dir, fname, ext);
+    return Guard("_makepath", 0, [&] {
+        if (path == nullptr)
+            return NullArgument("_makepath", "path");
+        return xunWriteMadePath_(path, dir, fname, ext);
+    });
 }

@@ -48,6 +48,8 @@ namespace {
 // when even the message could not be stored, at a fixed text.
 std::string LrxError_;
 const char* LrxErrorText_ = "";
+// Whether the last load failed because memory ran out.
+bool LrxOutOfMemory_ = false;
 
 void SetError_(const std::string& text) noexcept {
     try {
@@ -302,6 +304,7 @@ CLrxFile* Load_(const std::string& name) {
 } // namespace
 
 CLrxFile* lrxLoadFile(const char* name, int mode) noexcept {
+    LrxOutOfMemory_ = false;
     if (name == nullptr) {
         SetError_("no file name given");
         return nullptr;
@@ -314,6 +317,7 @@ CLrxFile* lrxLoadFile(const char* name, int mode) noexcept {
         return Load_(name);
     } catch (...) {
         // Only memory exhaustion gets here; the message itself may not fit.
+        LrxOutOfMemory_ = true;
         try {
             SetError_(std::string(name) + ": out of memory");
         } catch (...) {
@@ -377,4 +381,8 @@ const char* lrxGetErrorGlb() noexcept {
 
 int lrxKeywordLine(const CLrxKeyword* keyword) noexcept {
     return keyword != nullptr ? keyword->m_nLine : 0;
+}
+
+bool lrxOutOfMemory() noexcept {
+    return LrxOutOfMemory_;
 }

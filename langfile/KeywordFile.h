@@ -98,6 +98,10 @@ double lrxGetReal(const CLrxParam* param) noexcept;
 // real parameter or for null. The text lives as long as the loaded file.
 const char* lrxGetText(const CLrxParam* param) noexcept;
 
+// Whether the last lrxLoadFile failed because memory ran out (so that a
+// caller can tell that from a file that cannot be loaded).
+bool lrxOutOfMemory() noexcept;
+
 // The line of the file on which the keyword stands (from 1); 0 for null.
 int lrxKeywordLine(const CLrxKeyword* keyword) noexcept;
 

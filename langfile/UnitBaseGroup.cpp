@@ -1,5 +1,7 @@
 #include "langfile/UnitBaseGroup.h"
 
+#include <new>
+
 #include "langfile/KeywordFile.h"
 #include "registry/ItemTypeQueries.h"
 #include "xml/CString.h"
@@ -33,6 +35,8 @@ bool xunApplyBaseGroupFile_(CKVregistries& registries, const char* fileName,
         name = _UBGFileName;
     const std::string file = name.GetString();
     CLrxFile* handle = lrxLoadFile(name.GetString(), 1);
+    if (handle == nullptr && lrxOutOfMemory())
+        throw std::bad_alloc();
     if (handle == nullptr) {
         if (report.Observed())
             report.Dropped(file, 0,

@@ -54,15 +54,21 @@ template <class Key, class Value> class CKVhashIndex {
     // it allocates nothing for a key that is moved in.
     void Set(const Key& key, const Value& value) { Set(Key(key), value); }
     void Set(Key&& key, const Value& value) {
+        // A key already present only changes its value: nothing grows, so
+        // that updates after Reserve never allocate.
+        if (m_count > 0) {
+            for (size_t i = Home(key); m_slots[i].Used(); i = (i + 1) & m_mask) {
+                if (m_slots[i].key == key) {
+                    m_slots[i].value = value;
+                    return;
+                }
+            }
+        }
         if (2 * (m_count + 1) > m_slots.size())
             Grow();
         size_t i = Home(key);
-        for (; m_slots[i].Used(); i = (i + 1) & m_mask) {
-            if (m_slots[i].key == key) {
-                m_slots[i].value = value;
-                return;
-            }
-        }
+        while (m_slots[i].Used())
+            i = (i + 1) & m_mask;
         m_slots[i].Take();
         m_slots[i].key = std::move(key);
         m_slots[i].value = value;

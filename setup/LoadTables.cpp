@@ -1,5 +1,8 @@
 #include "setup/LoadTables.h"
 
+#include <cerrno>
+#include <cstdio>
+#include <cstring>
 #include <vector>
 
 #include "langfile/KVLangFile.h"
@@ -11,10 +14,16 @@ namespace {
 // A language file that cannot be opened (or is too short) is skipped
 // without a word; a check says so.
 void Skipped(CXunLoadReport& report, const std::string& fileName) {
-    if (report.Observed())
-        report.Dropped(fileName, 0,
-                       "the file cannot be opened or has fewer than two lines; a load skips it and "
-                       "keeps the texts it has");
+    if (!report.Observed())
+        return;
+    std::FILE* file = std::fopen(fileName.c_str(), "r");
+    const int error = errno;
+    if (file != nullptr)
+        std::fclose(file);
+    report.Dropped(fileName, 0,
+                   file != nullptr ? "the file has fewer than two lines; a load skips it"
+                                   : std::string("the file cannot be read (") +
+                                         std::strerror(error) + "); a load keeps the texts it has");
 }
 
 // The reader takes a modifiable name.

@@ -1,19 +1,24 @@
 #include "setup/SetupLoader.h"
 
+#include <atomic>
 #include <cerrno>
 #include <climits>
 #include <clocale>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <exception>
 #include <memory>
+#include <new>
+#include <stdexcept>
 #include <string>
 #include <unordered_map>
 
 #include <xercesc/dom/DOMElement.hpp>
 #include <xercesc/dom/DOMNodeList.hpp>
 #include <xercesc/util/OutOfMemoryException.hpp>
+#include <xercesc/util/PanicHandler.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/XMLString.hpp>
@@ -128,8 +133,7 @@ const BaseUnitDef kBaseUnits[kBaseUnitCount] = {
 class SetupLoader {
   public:
     SetupLoader(CKVregistries& registries, CXunLoadReport& report, const std::string& fileName)
-        : m_registries(registries), m_units(registries.units), m_report(report),
-          m_file(fileName) {}
+        : m_registries(registries), m_units(registries.units), m_report(report), m_file(fileName) {}
 
     // 1 when the document was loaded and processed, 0 when it could not be.
     int Run();
@@ -171,13 +175,15 @@ long SetupLoader::ReadKey(const Attribute& text, long line, int base) {
         const unsigned long bits = static_cast<unsigned long>(value);
         if (m_report.Observed() && bits > 0xFFFFFFFFul)
             m_report.Warning(m_file, line,
-                             "KvId " + Quote(begin) + " does not fit in 32 bits: the interface sees " +
+                             "KvId " + Quote(begin) +
+                                 " does not fit in 32 bits: the interface sees " +
                                  FilterBitText(static_cast<long>(bits & 0xFFFFFFFFul)));
     } else {
         value = std::strtol(begin, &end, 10);
         if (m_report.Observed() && (value < INT_MIN || value > INT_MAX))
             m_report.Warning(m_file, line,
-                             "KvId " + Quote(begin) + " does not fit in 32 bits: the interface sees " +
+                             "KvId " + Quote(begin) +
+                                 " does not fit in 32 bits: the interface sees " +
                                  std::to_string(static_cast<int>(value)));
     }
     if (m_report.Observed() && (end == begin || !OnlyBlanks(end)))
@@ -270,13 +276,14 @@ void SetupLoader::LoadUnits(const NodePtr& group) {
             printed += ident.c_str();
             printed += "\nUnsuccessful parsing of the expression\n";
             printed += expr.c_str();
-            m_report.Message(stdout, printed, m_file, line,
-                             m_report.Observed()
-                                 ? what + (expr.present ? "expression " + Quote(expr.c_str()) +
-                                                              " does not evaluate"
-                                                        : std::string("no Expr")) +
-                                       "; the row is skipped"
-                                 : std::string());
+            m_report.Message(
+                stdout, printed, m_file, line,
+                m_report.Observed()
+                    ? what +
+                          (expr.present ? "expression " + Quote(expr.c_str()) + " does not evaluate"
+                                        : std::string("no Expr")) +
+                          "; the row is skipped"
+                    : std::string());
             continue;
         }
         if (!unit) {
@@ -416,7 +423,8 @@ void SetupLoader::LoadItemTypes(const NodePtr& group) {
         // The item type owns a copy of its default unit's dimension.
         double p[CKVdimension::kBaseCount];
         defaultUnit->GetDim().GetPowers(p[0], p[1], p[2], p[3], p[4], p[5], p[6]);
-        std::unique_ptr<CKVdimension> dim(new CKVdimension(p[0], p[1], p[2], p[3], p[4], p[5], p[6]));
+        std::unique_ptr<CKVdimension> dim(
+            new CKVdimension(p[0], p[1], p[2], p[3], p[4], p[5], p[6]));
         std::unique_ptr<CKVitemType> item(new CKVitemType(desc.c_str(), key, ident.c_str(), *dim));
         CKVitemType* target = item.get();
         if (m_registries.itemTypes.Add(item, dim)) {
@@ -439,14 +447,12 @@ void SetupLoader::LoadItemTypes(const NodePtr& group) {
                                                    : std::string(" (registered before this load)");
                     };
                     if (target != nullptr)
-                        m_report.Dropped(m_file, line,
-                                         what + "key " + std::to_string(key) +
-                                             " is already used by item type " +
-                                             Quote(target->m_strIdent) + lineOf(target) +
-                                             "; the row is dropped" +
-                                             (keyText.present
-                                                  ? ""
-                                                  : " (KvId carried over from the row above)"));
+                        m_report.Dropped(
+                            m_file, line,
+                            what + "key " + std::to_string(key) + " is already used by item type " +
+                                Quote(target->m_strIdent) + lineOf(target) +
+                                "; the row is dropped" +
+                                (keyText.present ? "" : " (KvId carried over from the row above)"));
                     else
                         m_report.Dropped(m_file, line,
                                          what + "the ident is already used by item key " +
@@ -493,11 +499,11 @@ void SetupLoader::LoadItemTypes(const NodePtr& group) {
                 return;
             }
             if (!unit->IsEqv(*target->m_pDimension)) {
-                m_report.Fatal(kAllowUnitDimension, m_file, line,
-                               what + "allowed unit " + Quote(token.GetString()) +
-                                   " has the dimension " + xunDimensionText_(unit->GetDim()) +
-                                   ", but the item type has " +
-                                   xunDimensionText_(*target->m_pDimension) + "; loading would stop");
+                m_report.Fatal(
+                    kAllowUnitDimension, m_file, line,
+                    what + "allowed unit " + Quote(token.GetString()) + " has the dimension " +
+                        xunDimensionText_(unit->GetDim()) + ", but the item type has " +
+                        xunDimensionText_(*target->m_pDimension) + "; loading would stop");
                 return;
             }
             target->AllowUnit(*unit, false);
@@ -567,8 +573,8 @@ void SetupLoader::LoadFilters(const NodePtr& group) {
                 if (byKey != nullptr)
                     m_report.Dropped(m_file, line,
                                      what + "key " + FilterBitText(key) +
-                                         " is already used by filter " +
-                                         Quote(byKey->m_strIdent) + lineOf(byKey) + rest);
+                                         " is already used by filter " + Quote(byKey->m_strIdent) +
+                                         lineOf(byKey) + rest);
                 else
                     m_report.Dropped(m_file, line,
                                      what + "the ident is already used by filter key " +
@@ -627,7 +633,8 @@ void SetupLoader::ReportUnreadGroups(const NodePtr& units, const NodePtr& items,
                              "Group " + Quote(name.GetString()) +
                                  " is not found by a load: its first attribute is not Name, so "
                                  "//Group[@Name=\"" +
-                                 name.GetString() + "\"] does not match it; its rows define nothing");
+                                 name.GetString() +
+                                 "\"] does not match it; its rows define nothing");
     }
     for (const NodePtr* group : {&units, &items, &filters}) {
         if (!*group)
@@ -649,13 +656,51 @@ void SetupLoader::ReportUnreadGroups(const NodePtr& units, const NodePtr& items,
     }
 }
 
+// Whether the XML parser library may be used: its first initialisation in
+// the process either completed, or ran out of memory part way. In the
+// second case the library counts itself initialised and will never finish,
+// so no document can be parsed any more; loads then fail instead of
+// crashing inside the parser.
+enum class ParserState { Untried, Ready, Broken };
+std::atomic<ParserState> ParserState_{ParserState::Untried};
+
+// What the parser library calls when it cannot go on (for example when
+// memory runs out while it initialises). Its own handler would end the
+// host's process; this one makes the load fail instead.
+struct ParserPanic {
+    xercesc::PanicHandler::PanicReasons reason;
+};
+class ThrowingPanicHandler : public xercesc::PanicHandler {
+  public:
+    void panic(const PanicReasons reason) override { throw ParserPanic{reason}; }
+};
+
 void InitializeParser(CXunLoadReport& report, const std::string& file) {
+    if (ParserState_.load() == ParserState::Broken)
+        throw std::runtime_error("the XML parser library could not be initialised in this "
+                                 "process (memory ran out while it was)");
+    static ThrowingPanicHandler panicHandler;
     try {
         xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
-                                              nullptr, xercesc::XMLPlatformUtils::fgMemoryManager);
+                                              &panicHandler,
+                                              xercesc::XMLPlatformUtils::fgMemoryManager);
+        ParserState_.store(ParserState::Ready);
     } catch (const xercesc::XMLException&) {
         report.Message(stdout, "Error initializing Xerces\n", file, 0,
                        "the XML parser cannot be initialised");
+    } catch (const xercesc::OutOfMemoryException&) {
+        if (ParserState_.load() != ParserState::Ready)
+            ParserState_.store(ParserState::Broken);
+        throw std::bad_alloc();
+    } catch (const std::bad_alloc&) {
+        if (ParserState_.load() != ParserState::Ready)
+            ParserState_.store(ParserState::Broken);
+        throw;
+    } catch (const ParserPanic& panic) {
+        if (ParserState_.load() != ParserState::Ready)
+            ParserState_.store(ParserState::Broken);
+        throw std::runtime_error(std::string("the XML parser library could not be initialised: ") +
+                                 xercesc::PanicHandler::getPanicReasonString(panic.reason));
     }
 }
 
@@ -667,8 +712,24 @@ int SetupLoader::Run() {
     m_document->m_bLoadOption3 = true;
     m_document->RecordLines(m_report.Observed());
     if (!m_document->load(CString(m_file.c_str()))) {
-        m_report.Message(stderr, "Document '" + m_file + "' not parsed successfully. \n", m_file, 0,
-                         "the file cannot be read or is not well-formed XML; a load refuses it");
+        std::string error = m_document->FirstError().GetString();
+        if (m_report.Observed()) {
+            std::FILE* file = std::fopen(m_file.c_str(), "r");
+            const int openError = errno;
+            if (file == nullptr) {
+                m_report.Message(stderr, "Document '" + m_file + "' not parsed successfully. \n",
+                                 m_file, 0,
+                                 std::string("the file cannot be read (") +
+                                     std::strerror(openError) + "); a load refuses it");
+                return 0;
+            }
+            std::fclose(file);
+        }
+        m_report.Message(stderr, "Document '" + m_file + "' not parsed successfully. \n", m_file,
+                         m_document->FirstErrorLine(),
+                         error.empty()
+                             ? "the file cannot be read as XML; a load refuses it"
+                             : "not well-formed XML: " + error + "; a load refuses the file");
         return 0;
     }
     const NodePtr units = m_document->selectSingleNode(CString(kUnitsGroup));
@@ -690,7 +751,7 @@ int SetupLoader::Run() {
 int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadReport& report,
                       std::string& fileName) {
     fileName = (path != nullptr && path[0] != '\0') ? std::string(path)
-                                                      : xunInstallDir_() + "XUN" + ".xml";
+                                                    : xunInstallDir_() + "XUN" + ".xml";
     // The numeric locale of the host, restored after a successful load (and
     // after a check in every case).
     const char* current = std::setlocale(LC_NUMERIC, nullptr);

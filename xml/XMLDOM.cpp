@@ -1,6 +1,7 @@
 #include "xml/XMLDOM.h"
 
 #include <memory>
+#include <new>
 
 #include <sys/stat.h>
 
@@ -11,6 +12,8 @@
 #include <xercesc/internal/XMLScanner.hpp>
 #include <xercesc/sax/Locator.hpp>
 #include <xercesc/sax/SAXException.hpp>
+#include <xercesc/sax/SAXParseException.hpp>
+#include <xercesc/util/OutOfMemoryException.hpp>
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLException.hpp>
 #include <xercesc/util/XMLResourceIdentifier.hpp>
@@ -294,6 +297,13 @@ void CLineRecordingParser::docComment(const XMLCh* const comment) {
 // ---------------------------------------------------------------------------
 // IXMLDOMDocument
 
+void IXMLDOMDocument::CFatalErrorCounter::fatalError(const xercesc::SAXParseException& error) {
+    if (m_nFatalErrors++ == 0) {
+        m_strFirstError = IXMLDOMNode::wide2cstr(error.getMessage());
+        m_nFirstErrorLine = static_cast<long>(error.getLineNumber());
+    }
+}
+
 IXMLDOMDocument::IXMLDOMDocument() : m_parser(XMLPlatformUtils::fgMemoryManager) {
     m_parser.setErrorHandler(&m_errorCounter);
     m_parser.setSecurityManager(&m_securityManager);
@@ -365,6 +375,12 @@ bool IXMLDOMDocument::load(const CString& fileName) {
         }
         m_pDoc = doc;
         return true;
+    } catch (const xercesc::OutOfMemoryException&) {
+        // Memory running out is no property of the file: the caller hears
+        // of it as the standard allocation exception.
+        throw std::bad_alloc();
+    } catch (const std::bad_alloc&) {
+        throw;
     } catch (const xercesc::XMLException&) {
     } catch (const xercesc::DOMException&) {
     } catch (const xercesc::SAXException&) {

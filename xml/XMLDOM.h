@@ -242,7 +242,8 @@ class IXMLDOMDocument : public CSmartPtrAble {
     // and entities are read from local files only: a document that names one
     // by a network URL fails to load. Validity errors
     // (for a document without any grammar: every element and attribute) are
-    // neither reported nor a failure. Never throws.
+    // neither reported nor a failure. Throws only std::bad_alloc, when memory
+    // runs out.
     //
     // A later load replaces the current document; the earlier document stays
     // alive, so wrappers that point into it remain usable, and is released
@@ -268,11 +269,25 @@ class IXMLDOMDocument : public CSmartPtrAble {
       public:
         void warning(const xercesc::SAXParseException&) override {}
         void error(const xercesc::SAXParseException&) override {}
-        void fatalError(const xercesc::SAXParseException&) override { ++m_nFatalErrors; }
-        void resetErrors() override { m_nFatalErrors = 0; }
+        void fatalError(const xercesc::SAXParseException& error) override;
+        void resetErrors() override {
+            m_nFatalErrors = 0;
+            m_strFirstError = CString();
+            m_nFirstErrorLine = 0;
+        }
         int m_nFatalErrors = 0;
+        CString m_strFirstError;
+        long m_nFirstErrorLine = 0;
     };
 
+  public:
+    // What the parser said of the first fatal error of the last load, and
+    // its line (0 when none or unknown): for reports about a file a load
+    // refuses.
+    const CString& FirstError() const { return m_errorCounter.m_strFirstError; }
+    long FirstErrorLine() const { return m_errorCounter.m_nFirstErrorLine; }
+
+  private:
     // Reads external DTDs and external entities from local files only. The
     // parser library would otherwise fetch a system identifier such as
     // "http://host/xun.dtd" over the network whenever a document names one:
