@@ -21,6 +21,19 @@ int main(void) {
     check(xunGetNextUnit(0, &tag, &key) == 0 && tag == -1, "xunGetNextUnit on an empty registry");
     check(xunGetUnitTag("meter", &tag) == 0 && tag == 0, "xunGetUnitTag stores 0");
     check(xunUnitNew("m", "meter", "m", "Length") == 0, "xunUnitNew without base units");
+    {
+        const char* message = NULL;
+        check(xunGetLastError(&message) == XUN_ERR_EXPRESSION && message != NULL &&
+                  message[0] != '\0',
+              "xunGetLastError says why xunUnitNew failed");
+        xunClearLastError();
+        check(xunGetLastError(&message) == XUN_OK && message[0] == '\0', "xunClearLastError");
+        check(xunGetUnitKey(5, NULL) == 0 && xunGetLastError(NULL) == XUN_ERR_NULL_ARGUMENT,
+              "a null output pointer fails");
+        check(xunVersion() != NULL && xunVersion()[0] != '\0', "xunVersion");
+        check(xunSetupCheck("/nonexistent/XUN.xml", NULL, NULL, NULL) == -1,
+              "xunSetupCheck of a missing file");
+    }
     if (failures == 0)
         printf("c client: all checks passed\n");
     return failures == 0 ? 0 : 1;
