@@ -26,9 +26,8 @@ import math
 import os
 
 from ._errors import XunError
-from ._native import LIBRARY_NAME, library, library_path, lock
-
-__version__ = "1.0.0"
+from ._native import LIBRARY_NAME, library, library_path, library_version, lock
+from ._version import __version__
 
 __all__ = [
     "XunError",
@@ -65,6 +64,7 @@ __all__ = [
     "array_from_user_unit",
     "library",
     "library_path",
+    "library_version",
     "LIBRARY_NAME",
     "MAX_ARRAY_SIZE",
     "PATH_LIMIT",

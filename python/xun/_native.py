@@ -195,3 +195,10 @@ def library_path() -> str:
     library()
     assert _library_path is not None
     return _library_path
+
+
+def library_version() -> str:
+    """The version of the loaded library (xunVersion)."""
+    with lock:
+        text = library().xunVersion()
+    return os.fsdecode(text) if isinstance(text, bytes) else ""
