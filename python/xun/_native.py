@@ -1,5 +1,5 @@
 """Finding and loading libxun.so.1, the ctypes prototypes of its C interface,
-and the lock that serialises every call.
+the lock that serialises every call, and the library's last-error record.
 
 The library is looked for, in this order:
 
@@ -21,7 +21,7 @@ import os
 import threading
 from typing import Any, Dict, List, Optional, Tuple
 
-from ._errors import XunError
+from ._errors import ErrorCode, XunError
 
 LIBRARY_NAME = "libxun.so.1"
 
@@ -202,3 +202,54 @@ def library_version() -> str:
     with lock:
         text = library().xunVersion()
     return os.fsdecode(text) if isinstance(text, bytes) else ""
+
+
+def last_error() -> Tuple[int, str]:
+    """The code and message of the last failed call on this thread."""
+    message = ctypes.c_char_p()
+    code = int(library().xunGetLastError(ctypes.byref(message)))
+    return code, (message.value or b"").decode("utf-8", "surrogateescape")
+
+
+def clear_last_error() -> None:
+    """Resets this thread's record, before a call whose failure shows only there."""
+    library().xunClearLastError()
+
+
+def failure(function: str) -> XunError:
+    """The exception for the call of function that failed just now, with the
+    library's own code and message. Call it with the lock still held, before
+    any other call of the library."""
+    code, message = last_error()
+    if code == 0:
+        # The library promises a record for every failure; say so when it
+        # left none rather than make up a reason.
+        return XunError(f"{function} failed and recorded no reason", code=0)
+    return XunError(message, code=code)
+
+
+# What a predicate (xunUnitsEqv, xunItemUnitEqv, xunItemFilterEqv) records
+# when its answer is just "no": a unit of key 0 or an item type without a
+# dimension converts nothing, so it is no match either.
+_NO_MATCH = (ErrorCode.OK, ErrorCode.NO_REAL_UNIT, ErrorCode.DIMENSION)
+
+
+def ask(name: str, *args: Any) -> bool:
+    """Calls the predicate name of the library: True for 1, False for 0; raises
+    the library's error when an argument names nothing. The caller holds the
+    lock."""
+    clear_last_error()
+    if getattr(library(), name)(*args) == 1:
+        return True
+    code, _ = last_error()
+    if code in _NO_MATCH:
+        return False
+    raise failure(name)
+
+
+def walk_ended(name: str) -> None:
+    """After a walk's function returned 0: raises the library's error unless
+    the walk just reached its end. The caller holds the lock."""
+    code, _ = last_error()
+    if code != ErrorCode.END:
+        raise failure(name)
