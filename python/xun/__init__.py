@@ -17,6 +17,9 @@ a ``Filter``, their bit or their ident. Requests the library refuses raise
 ``XunError`` with the library's own message and code; arguments of the wrong
 kind raise ``TypeError`` or ``ValueError``.
 
+Files are checked before they are loaded (``check``): a file that would end
+the process inside the library raises ``XunError`` instead.
+
 The library keeps its tables process-wide, for the life of the process: a load
 adds to what is there and nothing is ever unloaded. Calls are serialised by a
 lock, so threads may share the package.
@@ -46,7 +49,12 @@ from ._item_types import (
 from ._loading import (
     INCLUDE_FILES,
     PATH_LIMIT,
+    Problem,
+    Severity,
+    check,
+    check_base_group,
     load,
+    load_base_group,
     load_setup,
     load_tables,
     setup_path,
@@ -68,12 +76,17 @@ from ._version import __version__
 __all__ = [
     "XunError",
     "ErrorCode",
+    "Problem",
+    "Severity",
     "Unit",
     "ItemType",
     "Filter",
+    "check",
+    "check_base_group",
     "load",
     "load_tables",
     "load_setup",
+    "load_base_group",
     "setup_path",
     "write_includes",
     "unit",

@@ -3,7 +3,10 @@
 from __future__ import annotations
 
 import enum
-from typing import Optional
+from typing import TYPE_CHECKING, Iterable, Optional, Tuple
+
+if TYPE_CHECKING:
+    from ._loading import Problem
 
 
 class ErrorCode(enum.IntEnum):
@@ -28,18 +31,25 @@ class ErrorCode(enum.IntEnum):
 
 
 class XunError(Exception):
-    """A request the library refused: an unknown unit, item type or filter,
+    """A request the library refused (an unknown unit, item type or filter,
     units that cannot be converted into each other, a setup that cannot be
-    loaded.
+    loaded), or a file that would end the process if it were loaded.
 
     ``code`` is the library's error code (an ErrorCode when the library
     recorded one, None when the package refused the request before asking the
-    library)."""
+    library), ``problems`` the problems a check of the files found (empty for
+    other errors)."""
 
-    def __init__(self, message: str, code: Optional[int] = None) -> None:
+    def __init__(
+        self,
+        message: str,
+        code: Optional[int] = None,
+        problems: Iterable["Problem"] = (),
+    ) -> None:
         super().__init__(message)
         self.message = message
         self.code: Optional[int] = _as_code(code)
+        self.problems: Tuple["Problem", ...] = tuple(problems)
 
 
 def _as_code(code: Optional[int]) -> Optional[int]:

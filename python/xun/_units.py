@@ -8,6 +8,7 @@ from typing import List, SupportsFloat, Tuple, Union
 
 from ._args import decode, encode, int_arg, text_out
 from ._errors import ErrorCode, XunError
+from ._loading import refuse_fatal_expression
 from ._native import ask, failure, last_error, library, lock, walk_ended
 
 # The symbols of the seven base dimensions, in the library's order: length,
@@ -252,7 +253,10 @@ def new_unit(
     expression: Union[str, bytes],
 ) -> Unit:
     """Creates a unit from an expression over registered units (keys from 100000
-    up), for example new_unit("UnitFurlong", "furlong", "fur", "UnitFoot*660")."""
+    up), for example new_unit("UnitFurlong", "furlong", "fur", "UnitFoot*660").
+
+    An expression that would end the process in the library (one whose factor
+    is 0, such as "UnitMeter*0") raises XunError instead."""
     arguments = [
         encode(ident, "ident"),
         encode(description, "description"),
@@ -260,6 +264,7 @@ def new_unit(
         encode(expression, "expression"),
     ]
     with lock:
+        refuse_fatal_expression(arguments[0], arguments[3])
         if library().xunUnitNew(*arguments) != 1:
             raise failure("xunUnitNew")
         return unit_by_ident(arguments[0])
