@@ -39,11 +39,10 @@ def test_new_unit_and_item_type(run_python):
     assert lines == [
         f"100000 {660 * 0.3048} fur True",
         "660.0",
-        "a unit with the ident 'UnitFurlong' already exists",
-        "cannot create the unit 'UnitOther': the expression 'UnitNothing*2' does not evaluate "
-        "to a unit",
+        "xunUnitNew: the ident 'UnitFurlong' is already registered",
+        "xunUnitNew: the expression 'UnitNothing*2' does not give a unit",
         "110000 ItemRaceDistance Race distance True",
-        "an item type with the ident 'ItemRaceDistance' already exists",
+        "xunItemTypeNew: the ident 'ItemRaceDistance' is already registered",
         "description must be a text, got NoneType",
     ]
 

@@ -29,15 +29,24 @@ def test_single_values():
 def test_incompatible_units_raise():
     with pytest.raises(xun.XunError) as error:
         xun.convert(1.0, "meter", "second")
-    assert str(error.value) == "cannot convert from 'meter' (L) to 'second' (T)"
+    assert str(error.value) == (
+        "xunConvertUnit: cannot convert unit 1200 'UnitMeter' (dimension L) to unit 1600 "
+        "'UnitSecond' (dimension T): the dimensions differ"
+    )
+    assert error.value.code == xun.ErrorCode.DIMENSION
     with pytest.raises(xun.XunError) as error:
         xun.convert(1.0, "UnitCubicMeterPerSecond", "UnitKelvin")
     assert str(error.value) == (
-        "cannot convert from 'cubic meter per second' (L^3 T^-1) to 'kelvin' (\u0398)"
+        "xunConvertUnit: cannot convert unit 2400 'UnitCubicMeterPerSecond' (dimension L3 T-1) "
+        "to unit 1800 'UnitKelvin' (dimension \u0398): the dimensions differ"
     )
     with pytest.raises(xun.XunError) as error:
         xun.convert(1.0, "meter", "furlong")
-    assert str(error.value) == "unknown unit 'furlong'"
+    assert str(error.value) == (
+        "xunGetUnitTagFromIdent: no unit has the ident 'furlong'; "
+        "xunGetUnitTag: no unit is described or aliased as 'furlong'"
+    )
+    assert error.value.code == xun.ErrorCode.NOT_FOUND
     with pytest.raises(TypeError) as error:
         xun.convert(None, "meter", "foot")
     assert str(error.value) == "value must be a number, got NoneType"
@@ -59,18 +68,19 @@ def test_user_unit_conversions():
     with pytest.raises(xun.XunError) as error:
         xun.to_user_unit(1.0, temperature, "UnitMeter")
     assert str(error.value) == (
-        "cannot convert from 'meter' (L) to 'degree Celsius' (\u0398), "
-        "the user unit of item type 'Temperature'"
+        "xunConvertToUserUnit: cannot convert unit 1200 'UnitMeter' (dimension L) to unit 1801 "
+        "'UnitDegreeCelsius' (dimension \u0398): the dimensions differ"
     )
     with pytest.raises(xun.XunError) as error:
         xun.from_user_unit(1.0, temperature, "UnitMeter")
     assert str(error.value) == (
-        "cannot convert from 'degree Celsius' (\u0398) to 'meter' (L) "
-        "(from the user unit of item type 'Temperature')"
+        "xunConvertFromUserUnit: cannot convert unit 1801 'UnitDegreeCelsius' (dimension "
+        "\u0398) to unit 1200 'UnitMeter' (dimension L): the dimensions differ"
     )
     with pytest.raises(xun.XunError) as error:
         xun.to_user_unit(1.0, 123456, "UnitMeter")
-    assert str(error.value) == "unknown item type key 123456"
+    assert str(error.value) == "xunGetItemTypeIdent: no item type has the key 123456"
+    assert error.value.code == xun.ErrorCode.UNKNOWN_ITEM_TYPE
 
 
 @pytest.mark.parametrize("dtype", [np.float64, np.float32])
@@ -140,13 +150,16 @@ def test_refused_conversions_leave_the_array_untouched():
     values = np.array([1.0, 2.0])
     with pytest.raises(xun.XunError) as error:
         xun.convert_array(values, "UnitMeter", "UnitSecond")
-    assert str(error.value) == "cannot convert from 'meter' (L) to 'second' (T)"
+    assert str(error.value) == (
+        "xunConvertItemArrayD: cannot convert unit 1200 'UnitMeter' (dimension L) to unit 1600 "
+        "'UnitSecond' (dimension T): the dimensions differ"
+    )
     assert values.tolist() == [1.0, 2.0]
     with pytest.raises(xun.XunError) as error:
         xun.array_to_user_unit(values, "ItemTemperature", "UnitMeter")
     assert str(error.value) == (
-        "cannot convert from 'meter' (L) to 'degree Celsius' (\u0398), "
-        "the user unit of item type 'Temperature'"
+        "xunConvertItemArrayToUserUnitD: cannot convert unit 1200 'UnitMeter' (dimension L) to "
+        "unit 1801 'UnitDegreeCelsius' (dimension \u0398): the dimensions differ"
     )
     with pytest.raises(xun.XunError):
         xun.array_from_user_unit(values, "ItemTemperature", "UnitMeter")

@@ -41,10 +41,12 @@ def test_lookups():
     assert repr(level) == f"ItemType({level.key}, 'ItemWaterLevel', 'Water level')"
     with pytest.raises(xun.XunError) as error:
         xun.item_type("ItemNothing")
-    assert str(error.value) == "unknown item type ident 'ItemNothing'"
+    assert str(error.value) == (
+        "xunGetItemTypeKeyFromIdent: no item type has the ident 'ItemNothing'"
+    )
     with pytest.raises(xun.XunError) as error:
         xun.item_type(123456)
-    assert str(error.value) == "unknown item type key 123456"
+    assert str(error.value) == "xunGetItemTypeIdent: no item type has the key 123456"
     with pytest.raises(TypeError):
         xun.item_type(None)
 
@@ -71,8 +73,10 @@ def test_a_user_unit_of_another_dimension_is_refused():
     with pytest.raises(xun.XunError) as error:
         level.user_unit = "UnitSecond"
     assert str(error.value) == (
-        "unit 'second' (T) cannot be the user unit of item type 'Water level' (L)"
+        "xunSetItemUserUnit: unit 1600 'UnitSecond' (dimension T) cannot be the user unit of "
+        "item type 300 (dimension L)"
     )
+    assert error.value.code == xun.ErrorCode.DIMENSION
     assert level.user_unit == xun.unit("UnitMeter")
 
 
@@ -82,7 +86,9 @@ def test_find_unit_among_the_allowed_units():
     assert level.find_unit("centimeters") == xun.unit("UnitCentimeter")
     with pytest.raises(xun.XunError) as error:
         level.find_unit("mile")  # a length, but not an allowed unit
-    assert str(error.value) == "item type 'Water level' allows no unit named 'mile'"
+    assert str(error.value) == (
+        "xunGetItemUnitTag: no unit of item type 300 is described as 'mile'"
+    )
 
 
 def test_compatibility_and_filters():
@@ -107,7 +113,26 @@ def test_filters_and_their_item_types(setup_rows):
     assert repr(hydrology) == "Filter(0x1, 'FilterHydrology', 'Hydrology')"
     with pytest.raises(xun.XunError) as error:
         xun.filter(0x40000000)
-    assert str(error.value) == "unknown filter bit 0x40000000"
+    assert str(error.value) == "xunGetFilterIdent: no filter has the bit 0x40000000"
     with pytest.raises(xun.XunError) as error:
         xun.filter("FilterNothing")
-    assert str(error.value) == "unknown filter ident 'FilterNothing'"
+    assert str(error.value) == (
+        "xunGetFilterKeyFromIdent: no filter has the ident 'FilterNothing'"
+    )
+
+
+def test_objects_of_unknown_keys_raise_the_library_error():
+    ghost = xun.ItemType(5)
+    assert repr(ghost) == "ItemType(5)"
+    for read in (lambda: ghost.units, lambda: ghost.user_unit, lambda: ghost.decimals):
+        with pytest.raises(xun.XunError) as error:
+            read()
+        assert error.value.code == xun.ErrorCode.UNKNOWN_ITEM_TYPE
+        assert str(error.value).endswith(": no item type has the key 5")
+    with pytest.raises(xun.XunError) as error:
+        ghost.in_filter("FilterHydrology")
+    assert str(error.value) == "xunItemFilterEqv: no item type has the key 5"
+    assert repr(xun.Filter(0x40000000)) == "Filter(0x40000000)"
+    with pytest.raises(xun.XunError) as error:
+        xun.Filter(0x40000000).description
+    assert str(error.value) == "xunGetFilterKey: no filter has the bit 0x40000000"

@@ -37,16 +37,20 @@ def test_lookup_by_tag_ident_and_name():
 def test_unknown_units_raise():
     with pytest.raises(xun.XunError) as error:
         xun.unit("furlongs")
-    assert str(error.value) == "unknown unit 'furlongs'"
+    assert str(error.value) == (
+        "xunGetUnitTagFromIdent: no unit has the ident 'furlongs'; "
+        "xunGetUnitTag: no unit is described or aliased as 'furlongs'"
+    )
     with pytest.raises(xun.XunError) as error:
         xun.unit(424242)
-    assert str(error.value) == "unknown unit tag 424242"
+    assert str(error.value) == "xunGetUnitIdent: no unit has the tag 424242"
+    assert error.value.code == xun.ErrorCode.UNKNOWN_UNIT
     with pytest.raises(xun.XunError) as error:
         xun.unit_by_ident("foot")
-    assert str(error.value) == "unknown unit ident 'foot'"
+    assert str(error.value) == "xunGetUnitTagFromIdent: no unit has the ident 'foot'"
     with pytest.raises(xun.XunError) as error:
         xun.unit_by_name("UnitFoot")
-    assert str(error.value) == "unknown unit 'UnitFoot'"
+    assert str(error.value) == "xunGetUnitTag: no unit is described or aliased as 'UnitFoot'"
 
 
 def test_bad_arguments_raise_type_and_value_errors():
@@ -101,3 +105,28 @@ def test_units_compare_by_tag_and_show_their_names():
     assert xun.unit("ft") != xun.unit("UnitMeter")
     assert len({xun.unit("ft"), xun.unit("feet"), xun.unit(1208)}) == 1
     assert repr(xun.unit("ft")) == "Unit(1208, 'UnitFoot', 'foot')"
+
+
+def test_expressions_and_aliases_come_from_the_setup_file(setup_rows):
+    for row in setup_rows["Units"]:
+        u = xun.unit(row["Ident"])
+        assert u.expression == row["Expr"]
+        assert u.aliases == [alias for alias in row.get("Alias", "").split(";") if alias]
+    assert xun.unit("UnitFoot").aliases == ["feet", "international foot", "ft"]
+
+
+def test_a_unit_object_of_an_unknown_tag_raises_the_library_error():
+    ghost = xun.Unit(424242)
+    assert repr(ghost) == "Unit(424242)"
+    for read in (
+        lambda: ghost.ident,
+        lambda: ghost.aliases,
+        lambda: ghost.factor,
+        lambda: ghost.base_unit,
+        lambda: ghost.equivalent_units(),
+        lambda: ghost.is_equivalent("UnitMeter"),
+    ):
+        with pytest.raises(xun.XunError) as error:
+            read()
+        assert error.value.code == xun.ErrorCode.UNKNOWN_UNIT
+        assert str(error.value).endswith(": no unit has the tag 424242")

@@ -1,4 +1,5 @@
-"""Finding libxun.so.1 and declaring the C functions that the package calls.
+"""Finding and loading libxun.so.1, the ctypes prototypes of its C interface,
+the lock that serialises every call, and the library's last-error record.
 
 The library is looked for, in this order:
 
@@ -7,92 +8,139 @@ The library is looked for, in this order:
 3. ``libxun.so.1`` through the system's dynamic loader (``LD_LIBRARY_PATH``,
    the loader cache, the standard directories).
 
-It is loaded on first use, so that ``import xun`` works without it.
+It is loaded on first use, so that ``import xun`` works without it. Every
+function that include/xun.h declares with C linkage is declared here with its
+exact C types (python/tests/test_prototypes.py compares the two), so that a
+library lacking one of them is refused as a whole instead of failing later.
 """
+
+from __future__ import annotations
 
 import ctypes
 import os
 import threading
+from typing import Any, Dict, List, Optional, Tuple
 
-from ._errors import XunError
+from ._errors import ErrorCode, XunError
 
 LIBRARY_NAME = "libxun.so.1"
 
-_c_int = ctypes.c_int
-_c_long = ctypes.c_long
-_c_double = ctypes.c_double
-_c_float = ctypes.c_float
-_c_char_p = ctypes.c_char_p
-_p_int = ctypes.POINTER(ctypes.c_int)
-_p_double = ctypes.POINTER(ctypes.c_double)
-_p_float = ctypes.POINTER(ctypes.c_float)
-_p_char_p = ctypes.POINTER(ctypes.c_char_p)
+# The C types of xun.h, spelled as ctypes types.
+c_int = ctypes.c_int
+c_long = ctypes.c_long
+c_double = ctypes.c_double
+c_float = ctypes.c_float
+c_void_p = ctypes.c_void_p
+# "const char*" and "char*" arguments: texts handed to the library.
+c_char_p = ctypes.c_char_p
+p_int = ctypes.POINTER(ctypes.c_int)
+p_double = ctypes.POINTER(ctypes.c_double)
+p_float = ctypes.POINTER(ctypes.c_float)
+# "const char**": receives a text that stays in the library's storage.
+p_char_p = ctypes.POINTER(ctypes.c_char_p)
+# "char**": receives a newly allocated text that the caller releases with
+# free(); kept as a raw pointer so that it can be released.
+p_owned_text = ctypes.POINTER(ctypes.POINTER(ctypes.c_char))
 
-# name: (result type, argument types)
-_PROTOTYPES = {
-    # units
-    "xunUnitNew": (_c_int, [_c_char_p, _c_char_p, _c_char_p, _c_char_p]),
-    "xunGetUnitKey": (_c_int, [_c_int, _p_char_p]),
-    "xunGetUnitIdent": (_c_int, [_c_int, _p_char_p]),
-    "xunGetUnitAbbreviation": (_c_int, [_c_int, _p_char_p]),
-    "xunGetUnitTag": (_c_int, [_c_char_p, _p_int]),
-    "xunGetUnitTagFromIdent": (_c_int, [_c_char_p, _p_int]),
-    "xunGetItemUnitTag": (_c_int, [_c_int, _c_char_p, _p_int]),
-    "xunUnitsEqv": (_c_int, [_c_int, _c_int]),
-    "xunGetBaseUnit": (_c_int, [_c_int, _p_int, _p_char_p]),
-    "xunGetNextEqvUnit": (_c_int, [_c_int, _c_int, _p_int, _p_char_p]),
-    "xunGetNextUnit": (_c_int, [_c_int, _p_int, _p_char_p]),
-    "xunUnitGetParameters": (_c_int, [_c_int, _p_double, _p_double, _p_double, _p_double]),
-    # conversion
-    "xunConvertUnit": (_c_int, [_c_int, _c_int, _p_double, _c_double]),
-    "xunConvertItemArrayD": (_c_int, [_c_int, _c_int, _p_double, _c_int, _c_double]),
-    "xunConvertItemArrayF": (_c_int, [_c_int, _c_int, _p_float, _c_int, _c_float]),
-    "xunConvertUnitToBase": (_c_int, [_c_int, _p_double, _c_double]),
-    "xunConvertUnitFromBase": (_c_int, [_c_int, _p_double, _c_double]),
-    "xunConvertToUserUnit": (_c_int, [_c_int, _c_int, _p_double, _c_double]),
-    "xunConvertFromUserUnit": (_c_int, [_c_int, _c_int, _p_double, _c_double]),
-    "xunConvertItemArrayToUserUnitD": (_c_int, [_c_int, _c_int, _p_double, _c_int, _c_double]),
-    "xunConvertItemArrayToUserUnitF": (_c_int, [_c_int, _c_int, _p_float, _c_int, _c_float]),
-    "xunConvertItemArrayFromUserUnitD": (_c_int, [_c_int, _c_int, _p_double, _c_int, _c_double]),
-    "xunConvertItemArrayFromUserUnitF": (_c_int, [_c_int, _c_int, _p_float, _c_int, _c_float]),
+# typedef void (*xunCheckReport)(void* user, const char* file, int line,
+#                                int severity, const char* message);
+CHECK_REPORT = ctypes.CFUNCTYPE(None, c_void_p, c_char_p, c_int, c_int, c_char_p)
+
+# name: (result type, argument types), in the order of xun.h.
+PROTOTYPES: Dict[str, Tuple[Any, List[Any]]] = {
+    # errors and version
+    "xunGetLastError": (c_int, [p_char_p]),
+    "xunClearLastError": (None, []),
+    "xunVersion": (c_char_p, []),
+    # units: registry and queries
+    "xunUnitGetAll": (c_int, [p_owned_text]),
+    "xunUnitNew": (c_int, [c_char_p, c_char_p, c_char_p, c_char_p]),
+    "xunGetUnitKey": (c_int, [c_int, p_char_p]),
+    "xunGetUnitIdent": (c_int, [c_int, p_char_p]),
+    "xunGetUnitAbbreviation": (c_int, [c_int, p_char_p]),
+    "xunGetUnitExpression": (c_int, [c_int, p_char_p]),
+    "xunGetUnitAlias": (c_int, [c_int, c_int, p_char_p]),
+    "xunGetUnitTag": (c_int, [c_char_p, p_int]),
+    "xunGetUnitTagFromIdent": (c_int, [c_char_p, p_int]),
+    "xunGetItemUnitTag": (c_int, [c_int, c_char_p, p_int]),
+    "xunGetItemFirstEqvUnit": (c_int, [c_int, p_int, p_char_p]),
+    "xunUnitsEqv": (c_int, [c_int, c_int]),
+    "xunGetBaseUnit": (c_int, [c_int, p_int, p_char_p]),
+    "xunGetNextEqvUnit": (c_int, [c_int, c_int, p_int, p_char_p]),
+    "xunGetNextUnit": (c_int, [c_int, p_int, p_char_p]),
+    "xunUnitGetParameters": (c_int, [c_int, p_double, p_double, p_double, p_double]),
+    # derived units
+    "xunUnitPower": (c_int, [c_int, p_int, p_int, p_double, c_double]),
+    "xunUnitMultiply": (c_int, [c_int, c_int, p_int, p_int, p_double]),
+    "xunUnitDivide": (c_int, [c_int, c_int, p_int, p_int, p_double]),
+    "xunUnitGetIntegrationFactor": (c_int, [c_int, c_int, p_int, p_int, p_double]),
+    "xunUnitGetDerivationFactor": (c_int, [c_int, c_int, p_int, p_int, p_double]),
+    # value conversion
+    "xunConvertUnit": (c_int, [c_int, c_int, p_double, c_double]),
+    "xunConvertItemArrayD": (c_int, [c_int, c_int, p_double, c_int, c_double]),
+    "xunConvertItemArrayF": (c_int, [c_int, c_int, p_float, c_int, c_float]),
+    "xunConvertUnitToBase": (c_int, [c_int, p_double, c_double]),
+    "xunConvertUnitFromBase": (c_int, [c_int, p_double, c_double]),
+    "xunConvertToUserUnit": (c_int, [c_int, c_int, p_double, c_double]),
+    "xunConvertFromUserUnit": (c_int, [c_int, c_int, p_double, c_double]),
+    "xunConvertItemArrayToUserUnitD": (c_int, [c_int, c_int, p_double, c_int, c_double]),
+    "xunConvertItemArrayToUserUnitF": (c_int, [c_int, c_int, p_float, c_int, c_float]),
+    "xunConvertItemArrayFromUserUnitD": (c_int, [c_int, c_int, p_double, c_int, c_double]),
+    "xunConvertItemArrayFromUserUnitF": (c_int, [c_int, c_int, p_float, c_int, c_float]),
     # item types
-    "xunItemTypeNew": (_c_int, [_c_char_p, _c_char_p, _c_long, _c_char_p]),
-    "xunGetItemTypeCount": (_c_int, []),
-    "xunGetItemTypeSeq": (_c_int, [_c_int, _p_int, _p_char_p]),
-    "xunGetItemTypeIdent": (_c_int, [_c_int, _p_char_p]),
-    "xunGetItemTypeKey": (_c_int, [_c_int, _p_char_p]),
-    "xunGetItemTypeKeyFromIdent": (_c_int, [_c_char_p, _p_int]),
-    "xunGetItemTypeParams": (_c_int, [_c_int, _p_int, _p_double]),
-    "xunGetItemUnitCount": (_c_int, [_c_int]),
-    "xunGetItemUnitSeq": (_c_int, [_c_int, _c_int, _p_int, _p_char_p]),
-    "xunSetItemUserUnit": (_c_int, [_c_int, _c_int]),
-    "xunItemUnitEqv": (_c_int, [_c_int, _c_int]),
-    "xunGetItemUserUnit": (_c_int, [_c_int, _p_int]),
+    "xunItemTypeGetAll": (c_int, [p_owned_text]),
+    "xunItemTypeNew": (c_int, [c_char_p, c_char_p, c_long, c_char_p]),
+    "xunGetItemTypeCount": (c_int, []),
+    "xunGetItemTypeSeq": (c_int, [c_int, p_int, p_char_p]),
+    "xunGetItemTypeIdent": (c_int, [c_int, p_char_p]),
+    "xunGetItemTypeKey": (c_int, [c_int, p_char_p]),
+    "xunGetItemTypeKeyFromIdent": (c_int, [c_char_p, p_int]),
+    "xunGetItemTypeParams": (c_int, [c_int, p_int, p_double]),
+    "xunGetItemUnitCount": (c_int, [c_int]),
+    "xunGetItemUnitSeq": (c_int, [c_int, c_int, p_int, p_char_p]),
+    "xunSetItemUserUnit": (c_int, [c_int, c_int]),
+    "xunItemUnitEqv": (c_int, [c_int, c_int]),
+    "xunGetItemUserUnit": (c_int, [c_int, p_int]),
+    "xunAddItemUnit": (c_int, [c_int, c_int]),
+    "xunAddItemFilter": (c_int, [c_int, c_int]),
     # filters
-    "xunGetFilterCount": (_c_int, []),
-    "xunGetFilterSeq": (_c_int, [_c_int, _p_int, _p_char_p]),
-    "xunGetFilterKey": (_c_int, [_c_int, _p_char_p]),
-    "xunGetFilterIdent": (_c_int, [_c_int, _p_char_p]),
-    "xunGetFilterKeyFromIdent": (_c_int, [_c_char_p, _p_int]),
-    "xunGetFilteredItemTypeCount": (_c_int, [_c_int]),
-    "xunGetFilteredItemTypeSeq": (_c_int, [_c_int, _c_int, _p_int, _p_char_p]),
-    "xunItemFilterEqv": (_c_int, [_c_int, _c_int]),
-    # include files and loading
+    "xunFilterGetAll": (c_int, [p_owned_text]),
+    "xunFilterNew": (c_int, [c_char_p, c_char_p]),
+    "xunGetFilterCount": (c_int, []),
+    "xunGetFilterSeq": (c_int, [c_int, p_int, p_char_p]),
+    "xunGetFilterKey": (c_int, [c_int, p_char_p]),
+    "xunGetFilterIdent": (c_int, [c_int, p_char_p]),
+    "xunGetFilterKeyFromIdent": (c_int, [c_char_p, p_int]),
+    "xunGetFilteredItemTypeCount": (c_int, [c_int]),
+    "xunGetFilteredItemTypeSeq": (c_int, [c_int, c_int, p_int, p_char_p]),
+    "xunItemFilterEqv": (c_int, [c_int, c_int]),
+    "xunSetProductFilter": (c_long, [c_int]),
+    "xunGetProductFilter": (c_long, []),
+    "xunGetFlybyFilter": (c_int, []),
+    # include files
     "xunWriteItemTypeIncludes": (None, []),
-    "xunLoadItemTypeTables": (None, [_c_char_p]),
-    "xunSetupLoad": (_c_int, [_c_char_p]),
-    "xunSetupGetPath": (None, [_p_char_p]),
+    # loading
+    "xunLoadItemTypeTables": (None, [c_char_p]),
+    "xunSetupLoad": (c_int, [c_char_p]),
+    "xunSetupLoadLinux": (c_int, [c_char_p]),
+    "xunSetupUnload": (None, []),
+    "xunSetupWrite": (c_int, []),
+    "xunSetupGetPath": (None, [p_char_p]),
+    "LoadUnitBaseGroupFile": (None, [c_char_p]),
+    # checking files before loading them
+    "xunSetupCheck": (c_int, [c_char_p, c_char_p, CHECK_REPORT, c_void_p]),
+    "xunBaseGroupCheck": (c_int, [c_char_p, CHECK_REPORT, c_void_p]),
 }
 
 # The library keeps process-wide state without locks, and ctypes releases the
 # interpreter lock during a foreign call: every call goes through this lock.
 lock = threading.RLock()
 
-_library = None
-_library_path = None
+_library: Optional[ctypes.CDLL] = None
+_library_path: Optional[str] = None
 
 
-def _candidates():
+def _candidates() -> List[Tuple[str, str]]:
     """The places to try, in order, as (description, path or name)."""
     explicit = os.environ.get("XUN_LIBRARY")
     if explicit:
@@ -106,14 +154,15 @@ def _candidates():
     return result
 
 
-def _declare(library):
-    for name, (restype, argtypes) in _PROTOTYPES.items():
-        function = getattr(library, name)
+def _declare(loaded: ctypes.CDLL) -> None:
+    """Gives every function its prototype; AttributeError when one is missing."""
+    for name, (restype, argtypes) in PROTOTYPES.items():
+        function = getattr(loaded, name)
         function.restype = restype
         function.argtypes = argtypes
 
 
-def library():
+def library() -> ctypes.CDLL:
     """The loaded library (loaded on the first call)."""
     global _library, _library_path
     with lock:
@@ -141,7 +190,66 @@ def library():
         )
 
 
-def library_path():
+def library_path() -> str:
     """The path or name through which the library was loaded."""
     library()
+    assert _library_path is not None
     return _library_path
+
+
+def library_version() -> str:
+    """The version of the loaded library (xunVersion)."""
+    with lock:
+        text = library().xunVersion()
+    return os.fsdecode(text) if isinstance(text, bytes) else ""
+
+
+def last_error() -> Tuple[int, str]:
+    """The code and message of the last failed call on this thread."""
+    message = ctypes.c_char_p()
+    code = int(library().xunGetLastError(ctypes.byref(message)))
+    return code, (message.value or b"").decode("utf-8", "surrogateescape")
+
+
+def clear_last_error() -> None:
+    """Resets this thread's record, before a call whose failure shows only there."""
+    library().xunClearLastError()
+
+
+def failure(function: str) -> XunError:
+    """The exception for the call of function that failed just now, with the
+    library's own code and message. Call it with the lock still held, before
+    any other call of the library."""
+    code, message = last_error()
+    if code == 0:
+        # The library promises a record for every failure; say so when it
+        # left none rather than make up a reason.
+        return XunError(f"{function} failed and recorded no reason", code=0)
+    return XunError(message, code=code)
+
+
+# What a predicate (xunUnitsEqv, xunItemUnitEqv, xunItemFilterEqv) records
+# when its answer is just "no": a unit of key 0 or an item type without a
+# dimension converts nothing, so it is no match either.
+_NO_MATCH = (ErrorCode.OK, ErrorCode.NO_REAL_UNIT, ErrorCode.DIMENSION)
+
+
+def ask(name: str, *args: Any) -> bool:
+    """Calls the predicate name of the library: True for 1, False for 0; raises
+    the library's error when an argument names nothing. The caller holds the
+    lock."""
+    clear_last_error()
+    if getattr(library(), name)(*args) == 1:
+        return True
+    code, _ = last_error()
+    if code in _NO_MATCH:
+        return False
+    raise failure(name)
+
+
+def walk_ended(name: str) -> None:
+    """After a walk's function returned 0: raises the library's error unless
+    the walk just reached its end. The caller holds the lock."""
+    code, _ = last_error()
+    if code != ErrorCode.END:
+        raise failure(name)

@@ -243,7 +243,8 @@ with open("/proc/self/maps") as maps:
         fail "the package loaded '$found'"
     expect_output "Python example" "$(printf '%s\n' '100 cfs = 2.831685 m3/s' \
         'levels in m: 0.3048 0.762 -999 3.048' \
-        "refused: cannot convert from 'meter' (L) to 'second' (T)")" \
+        "refused: xunConvertUnit: cannot convert unit 1200 'UnitMeter' (dimension L) to "\
+"unit 1600 'UnitSecond' (dimension T): the dimensions differ")" \
         env LD_LIBRARY_PATH="$libdir" PYTHONPATH="$work" KORVANE_HOME="$home" "$python" convert.py
     ;;
 

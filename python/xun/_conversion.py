@@ -1,0 +1,157 @@
+"""Conversion of single values and of NumPy arrays (in place, one library call
+per array): unit to unit, to and from the base unit, and to and from the user
+unit of an item type."""
+
+from __future__ import annotations
+
+import ctypes
+import math
+from typing import TYPE_CHECKING, Any, SupportsFloat, Tuple, TypeVar
+
+from ._args import float_arg
+from ._item_types import ItemTypeLike, item_type
+from ._native import failure, library, lock
+from ._units import UnitLike, unit
+
+if TYPE_CHECKING:
+    import numpy
+
+# Array lengths cross the C interface as int.
+MAX_ARRAY_SIZE = 2**31 - 1
+
+Array = TypeVar("Array", bound="numpy.ndarray[Any, Any]")
+
+
+def convert(value: SupportsFloat, from_unit: UnitLike, to_unit: UnitLike) -> float:
+    """value in from_unit, converted to to_unit (double precision)."""
+    x = float_arg(value, "value")
+    source, target = unit(from_unit), unit(to_unit)
+    result = ctypes.c_double()
+    with lock:
+        if library().xunConvertUnit(source.tag, target.tag, ctypes.byref(result), x) != 1:
+            raise failure("xunConvertUnit")
+    return result.value
+
+
+def to_base(value: SupportsFloat, in_unit: UnitLike) -> float:
+    """value in the unit, converted to the base unit of its dimension."""
+    x = float_arg(value, "value")
+    source = unit(in_unit)
+    result = ctypes.c_double()
+    with lock:
+        if library().xunConvertUnitToBase(source.tag, ctypes.byref(result), x) != 1:
+            raise failure("xunConvertUnitToBase")
+    return result.value
+
+
+def from_base(value: SupportsFloat, to_unit: UnitLike) -> float:
+    """value in the base unit of the unit's dimension, converted to the unit."""
+    x = float_arg(value, "value")
+    target = unit(to_unit)
+    result = ctypes.c_double()
+    with lock:
+        if library().xunConvertUnitFromBase(target.tag, ctypes.byref(result), x) != 1:
+            raise failure("xunConvertUnitFromBase")
+    return result.value
+
+
+def to_user_unit(value: SupportsFloat, item: ItemTypeLike, from_unit: UnitLike) -> float:
+    """value in from_unit, converted to the item type's user unit."""
+    x = float_arg(value, "value")
+    it, source = item_type(item), unit(from_unit)
+    result = ctypes.c_double()
+    with lock:
+        if library().xunConvertToUserUnit(it.key, source.tag, ctypes.byref(result), x) != 1:
+            raise failure("xunConvertToUserUnit")
+    return result.value
+
+
+def from_user_unit(value: SupportsFloat, item: ItemTypeLike, to_unit: UnitLike) -> float:
+    """value in the item type's user unit, converted to to_unit."""
+    x = float_arg(value, "value")
+    it, target = item_type(item), unit(to_unit)
+    result = ctypes.c_double()
+    with lock:
+        if library().xunConvertFromUserUnit(it.key, target.tag, ctypes.byref(result), x) != 1:
+            raise failure("xunConvertFromUserUnit")
+    return result.value
+
+
+def _array_arguments(array: object) -> Tuple[Any, int, bool]:
+    """(pointer, count, is_double) for an array the library may convert in place."""
+    import numpy as np
+
+    if not isinstance(array, np.ndarray):
+        raise TypeError(f"expected a NumPy array, got {type(array).__name__}")
+    if array.dtype == np.float64:
+        double = True
+    elif array.dtype == np.float32:
+        double = False
+    else:
+        raise TypeError(
+            f"the array must hold float64 or float32 in native byte order, not {array.dtype.str}"
+        )
+    if not (array.flags.c_contiguous or array.flags.f_contiguous):
+        raise ValueError(
+            "the array is not contiguous: convert numpy.ascontiguousarray(array) and assign "
+            "the result back"
+        )
+    if not array.flags.writeable:
+        raise ValueError("the array is read-only: it is converted in place")
+    if not array.flags.aligned:
+        raise ValueError("the array is not aligned: convert an aligned copy")
+    if array.size > MAX_ARRAY_SIZE:
+        raise ValueError(
+            f"the array has {array.size} elements; one call converts at most {MAX_ARRAY_SIZE}: "
+            "convert it in parts"
+        )
+    pointer_type = ctypes.POINTER(ctypes.c_double if double else ctypes.c_float)
+    return array.ctypes.data_as(pointer_type), int(array.size), double
+
+
+def convert_array(
+    array: Array, from_unit: UnitLike, to_unit: UnitLike, delete_value: SupportsFloat = math.inf
+) -> Array:
+    """Converts a float64 or float32 NumPy array in place from from_unit to
+    to_unit, in one call of the library; returns the array. Elements equal to
+    delete_value (the marker of a missing value) stay as they are, and so do NaN
+    elements. The default, +inf, marks no finite value; +inf itself stays +inf.
+    float32 elements are converted in double precision and rounded back; the
+    comparison with delete_value is made in float32. A refused conversion
+    leaves the array as it was."""
+    pointer, count, double = _array_arguments(array)
+    delete = float_arg(delete_value, "delete_value")
+    source, target = unit(from_unit), unit(to_unit)
+    name = "xunConvertItemArrayD" if double else "xunConvertItemArrayF"
+    with lock:
+        if getattr(library(), name)(source.tag, target.tag, pointer, count, delete) != 1:
+            raise failure(name)
+    return array
+
+
+def array_to_user_unit(
+    array: Array, item: ItemTypeLike, from_unit: UnitLike, delete_value: SupportsFloat = math.inf
+) -> Array:
+    """As convert_array, to the item type's user unit."""
+    pointer, count, double = _array_arguments(array)
+    delete = float_arg(delete_value, "delete_value")
+    it, source = item_type(item), unit(from_unit)
+    name = "xunConvertItemArrayToUserUnitD" if double else "xunConvertItemArrayToUserUnitF"
+    with lock:
+        if getattr(library(), name)(it.key, source.tag, pointer, count, delete) != 1:
+            raise failure(name)
+    return array
+
+
+def array_from_user_unit(
+    array: Array, item: ItemTypeLike, to_unit: UnitLike, delete_value: SupportsFloat = math.inf
+) -> Array:
+    """As convert_array, from the item type's user unit."""
+    pointer, count, double = _array_arguments(array)
+    delete = float_arg(delete_value, "delete_value")
+    it, target = item_type(item), unit(to_unit)
+    name = "xunConvertItemArrayFromUserUnitD" if double else "xunConvertItemArrayFromUserUnitF"
+    with lock:
+        if getattr(library(), name)(it.key, target.tag, pointer, count, delete) != 1:
+            raise failure(name)
+    return array
