@@ -18,6 +18,14 @@ int FindUserUnit(const char* function, int itemKey, int& userUnit) {
     return 1;
 }
 
+// The user unit -1 (an item type without user unit and allowed units) names
+// no unit; the message says which item type lacks one.
+int NoUserUnit(const char* function, int itemKey) {
+    return xunFail_(XUN_ERR_UNKNOWN_UNIT,
+                    "%s: item type %d has neither a user unit nor an allowed unit", function,
+                    itemKey);
+}
+
 int ConvertOne(const char* function, int fromTag, int toTag, double* result, double value) {
     if (result == nullptr)
         return NullArgument(function, "result");
@@ -97,6 +105,10 @@ int xunConvertToUserUnit(int itemKey, int fromTag, double* result, double value)
         int userUnit = -1;
         if (!FindUserUnit("xunConvertToUserUnit", itemKey, userUnit))
             return 0;
+        if (userUnit == -1 && result != nullptr) {
+            *result = value;
+            return NoUserUnit("xunConvertToUserUnit", itemKey);
+        }
         return ConvertOne("xunConvertToUserUnit", fromTag, userUnit, result, value);
     });
 }
@@ -106,6 +118,10 @@ int xunConvertFromUserUnit(int itemKey, int toTag, double* result, double value)
         int userUnit = -1;
         if (!FindUserUnit("xunConvertFromUserUnit", itemKey, userUnit))
             return 0;
+        if (userUnit == -1 && result != nullptr) {
+            *result = value;
+            return NoUserUnit("xunConvertFromUserUnit", itemKey);
+        }
         return ConvertOne("xunConvertFromUserUnit", userUnit, toTag, result, value);
     });
 }
@@ -116,6 +132,8 @@ int xunConvertItemArrayToUserUnitD(int itemKey, int fromTag, double* values, int
         int userUnit = -1;
         if (!FindUserUnit("xunConvertItemArrayToUserUnitD", itemKey, userUnit))
             return 0;
+        if (userUnit == -1)
+            return NoUserUnit("xunConvertItemArrayToUserUnitD", itemKey);
         return ConvertArray("xunConvertItemArrayToUserUnitD", fromTag, userUnit, values, count,
                             deleteValue);
     });
@@ -127,6 +145,8 @@ int xunConvertItemArrayToUserUnitF(int itemKey, int fromTag, float* values, int 
         int userUnit = -1;
         if (!FindUserUnit("xunConvertItemArrayToUserUnitF", itemKey, userUnit))
             return 0;
+        if (userUnit == -1)
+            return NoUserUnit("xunConvertItemArrayToUserUnitF", itemKey);
         return ConvertArray("xunConvertItemArrayToUserUnitF", fromTag, userUnit, values, count,
                             deleteValue);
     });
@@ -138,6 +158,8 @@ int xunConvertItemArrayFromUserUnitD(int itemKey, int toTag, double* values, int
         int userUnit = -1;
         if (!FindUserUnit("xunConvertItemArrayFromUserUnitD", itemKey, userUnit))
             return 0;
+        if (userUnit == -1)
+            return NoUserUnit("xunConvertItemArrayFromUserUnitD", itemKey);
         return ConvertArray("xunConvertItemArrayFromUserUnitD", userUnit, toTag, values, count,
                             deleteValue);
     });
@@ -149,6 +171,8 @@ int xunConvertItemArrayFromUserUnitF(int itemKey, int toTag, float* values, int 
         int userUnit = -1;
         if (!FindUserUnit("xunConvertItemArrayFromUserUnitF", itemKey, userUnit))
             return 0;
+        if (userUnit == -1)
+            return NoUserUnit("xunConvertItemArrayFromUserUnitF", itemKey);
         return ConvertArray("xunConvertItemArrayFromUserUnitF", userUnit, toTag, values, count,
                             deleteValue);
     });

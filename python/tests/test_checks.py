@@ -196,11 +196,9 @@ def test_check_reports_every_problem_with_file_line_and_severity(run_python, tmp
         f"'{lang}/xuntype.lan' 4 <Severity.FATAL: 3> True",
         "duplicate key 100 (first on line 3); loading would stop",
         f"'{lang}/xununit.lan' 0 <Severity.DROPPED: 1> False",
-        "the file cannot be opened or has fewer than two lines; a load skips it and keeps the "
-        "texts it has",
+        "the file cannot be read (No such file or directory); a load keeps the texts it has",
         f"'{lang}/xunfilter.lan' 0 <Severity.DROPPED: 1> False",
-        "the file cannot be opened or has fewer than two lines; a load skips it and keeps the "
-        "texts it has",
+        "the file cannot be read (No such file or directory); a load keeps the texts it has",
         "0",
     ]
 
@@ -235,7 +233,7 @@ def test_a_setup_file_that_cannot_be_parsed(run_python):
     assert result.stdout.splitlines() == 2 * [
         f"FILE xunSetupCheck: the setup file '{malformed}' cannot be read or is not "
         "well-formed XML",
-        f"{malformed}: the file cannot be read or is not well-formed XML; a load refuses it",
+        f"{malformed}:9: not well-formed XML: unterminated end tag 'R'; a load refuses the file",
     ]
 
 
