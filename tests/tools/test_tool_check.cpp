@@ -120,6 +120,18 @@ TEST(ToolCheck, FirstRowKvid) {
                 "xun: 6 problems found\n");
 }
 
+// A group is found by the path //Group[@Name="..."], which matches only a
+// Name that is the element's first attribute.
+TEST(ToolCheck, GroupNotFound) {
+    EXPECT_TOOL(Xun({"check", "check/group_not_found.xml"}), 1,
+                "check/group_not_found.xml:4: dropped: Group 'Units' is not found by a load: its "
+                "first attribute is not Name, so //Group[@Name=\"Units\"] does not match it; its "
+                "rows define nothing\n"
+                "check/group_not_found.xml:12: dropped: item type 'ItemLevel': unknown DefaultUnit "
+                "'UnitMeter'; the row is skipped\n",
+                "xun: 2 problems found\n");
+}
+
 TEST(ToolCheck, ItemDupIdent) {
     EXPECT_TOOL(Xun({"check", "check/item_dup_ident.xml"}), 1,
                 "check/item_dup_ident.xml:14: dropped: item type 'ItemLevel': the ident is already "
