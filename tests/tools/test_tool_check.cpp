@@ -445,6 +445,43 @@ TEST(ToolCheckLanguageFiles, UnitUnreadableLine) {
                 "xun: 8 problems found\n");
 }
 
+TEST(ToolCheckBaseGroup, Assignments) {
+    EXPECT_TOOL(Xun({"check", "check/clean.xml", "--base-group", "check/base_group.kw"}), 1,
+                "check/base_group.kw:4: dropped: Data = 200, 1000: no item type has this key; the "
+                "assignment is skipped\n"
+                "check/base_group.kw:5: dropped: Data = 100, 1002: the unit is of another "
+                "dimension than the item type; the assignment is skipped\n"
+                "check/base_group.kw:6: dropped: Data = 100, 4242: no unit has this key; the "
+                "assignment is skipped\n",
+                "xun: 3 problems found\n");
+}
+
+TEST(ToolCheckBaseGroup, SyntaxError) {
+    EXPECT_TOOL(Xun({"check", "check/clean.xml", "--base-group", "check/base_group_syntax.kw"}), 1,
+                "check/base_group_syntax.kw: dropped: the file is not loaded and changes nothing: "
+                "check/base_group_syntax.kw:3: neither a section nor a keyword\n",
+                "xun: 1 problem found\n");
+}
+
+TEST(ToolCheckBaseGroup, MissingFile) {
+    EXPECT_TOOL(Xun({"check", "check/clean.xml", "--base-group", "check/missing.kw"}), 1,
+                "check/missing.kw: dropped: the file is not loaded and changes nothing: "
+                "check/missing.kw: cannot open the file\n",
+                "xun: 1 problem found\n");
+}
+
+// The base-group file is checked against a loaded setup file: not when the
+// load would stop.
+TEST(ToolCheckBaseGroup, NotCheckedWhenTheLoadWouldStop) {
+    EXPECT_TOOL(
+        Xun({"check", "check/filter_unknown_item.xml", "--base-group", "check/base_group.kw"}), 1,
+        "check/filter_unknown_item.xml:18: fatal: filter 'FilterA': unknown item type "
+        "'ItemGhost' in Items; loading would stop\n",
+        "xun: note: 'check/base_group.kw' is not checked: the setup file cannot be loaded as it "
+        "is\n"
+        "xun: 1 problem found\n");
+}
+
 TEST(ToolCheck, HomeInstallationIsClean) {
     EXPECT_TOOL(Xun({"check", "--home", "home"}), 0, "", "");
 }
