@@ -33,7 +33,8 @@ install(FILES
 
 # The xun tool (XUN_TOOL_TARGET, see InstallDirs.cmake), when the build has it.
 if(XUN_TOOL_TARGET)
-  # Should the tool link the shared library, it finds it beside itself.
+  # The tool links the shared library and finds it in the installed library
+  # directory relative to its own place, so the tree may be moved.
   file(RELATIVE_PATH _xun_bin_to_lib "/prefix/${CMAKE_INSTALL_BINDIR}" "/prefix/${CMAKE_INSTALL_LIBDIR}")
   set_target_properties(${XUN_TOOL_TARGET} PROPERTIES INSTALL_RPATH "$ORIGIN/${_xun_bin_to_lib}")
   install(TARGETS ${XUN_TOOL_TARGET} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime)

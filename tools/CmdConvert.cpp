@@ -10,7 +10,7 @@
 #include <unistd.h>
 #include <vector>
 
-#include "Common.h"
+#include "Location.h"
 #include "Names.h"
 #include "Output.h"
 #include "xun.h"
@@ -122,21 +122,23 @@ template <class T> class Converter {
 };
 
 template <class T>
-int ConvertValues(int from, int to, const ParsedArgs& parsed, const std::string* value) {
-    bool hasDelete = parsed.Has("--delete");
+int ConvertValues(int from, int to, const Invocation& call, const std::string* value) {
+    bool hasDelete = call.Has("--delete");
     T deleteValue = T(0);
     std::string error;
-    if (hasDelete && !ParseNumber<T>(parsed.Value("--delete"), deleteValue, error))
+    if (hasDelete && !ParseNumber<T>(call.Value("--delete"), deleteValue, error))
         return Fail(kExitFailed, "--delete: " + error);
     Converter<T> converter(from, to, hasDelete, deleteValue);
     std::vector<T> block;
-    const char* failed = "the library refused the conversion";
+    auto refused = [] {
+        return Fail(kExitFailed, "the library refused the conversion: " + LibraryReason());
+    };
     if (value != nullptr) {
         T number = T(0);
         if (!ParseNumber<T>(*value, number, error))
             return Fail(kExitFailed, error);
         block.push_back(number);
-        return converter.Flush(block) ? kExitOk : Fail(kExitFailed, failed);
+        return converter.Flush(block) ? kExitOk : refused();
     }
 
     if (isatty(0))
@@ -159,14 +161,14 @@ int ConvertValues(int from, int to, const ParsedArgs& parsed, const std::string*
             if (tokenTooLong)
                 error = "not a number: '" + Printable(token) + "'";
             if (!converter.Flush(block))
-                return Fail(kExitFailed, failed);
+                return refused();
             return Fail(kExitFailed,
                         "standard input, line " + std::to_string(tokenLine) + ": " + error);
         }
         token.clear();
         block.push_back(number);
         if (block.size() >= kBlockSize && !converter.Flush(block))
-            return Fail(kExitFailed, failed);
+            return refused();
         return kExitOk;
     };
     for (;;) {
@@ -194,21 +196,34 @@ int ConvertValues(int from, int to, const ParsedArgs& parsed, const std::string*
         return Fail(kExitFailed, "cannot read standard input");
     if (int status = endToken())
         return status;
-    return converter.Flush(block) ? kExitOk : Fail(kExitFailed, failed);
+    return converter.Flush(block) ? kExitOk : refused();
+}
+
+// Why the library refuses to convert between two units: the dimensions
+// (named by the units as the user typed them), else the library's reason.
+int Refused(int from, int to, const std::string& fromName, const std::string& toName) {
+    double ignored = 0.0;
+    xunClearLastError();
+    xunConvertUnit(from, to, &ignored, 0.0);
+    if (xunGetLastError(nullptr) != XUN_ERR_DIMENSION)
+        return Fail(kExitFailed, "cannot convert '" + Printable(fromName) + "' to '" +
+                                     Printable(toName) + "': " + LibraryReason());
+    const UnitInfo a = GetUnitInfo(from);
+    const UnitInfo b = GetUnitInfo(to);
+    return Fail(kExitFailed, "cannot convert '" + Printable(fromName) + "' (dimension " +
+                                 DimensionText(a.powers) + ") to '" + Printable(toName) +
+                                 "' (dimension " + DimensionText(b.powers) +
+                                 "): the dimensions differ");
 }
 
 } // namespace
 
-int RunConvert(const Args& args) {
-    ParsedArgs parsed;
-    int status = kExitOk;
-    if (!ParseCommand("convert", args, {{"--delete", true}, {"--float", false}}, 2, 3, parsed,
-                      status))
-        return status;
+int RunConvert(const Invocation& call) {
     DataLocation location;
-    if (!LoadData("convert", parsed, location, status))
+    int status = kExitOk;
+    if (!LoadData(call, location, status))
         return status;
-    const std::vector<std::string>& p = parsed.positionals;
+    const std::vector<std::string>& p = call.args;
     const bool hasValue = p.size() == 3;
     const std::string& fromName = p[hasValue ? 1 : 0];
     const std::string& toName = p[hasValue ? 2 : 1];
@@ -219,23 +234,12 @@ int RunConvert(const Args& args) {
         return Fail(kExitFailed, "unknown unit '" + Printable(fromName) + "'");
     if (FindUnit(toName, to) == UnitMatch::None)
         return Fail(kExitFailed, "unknown unit '" + Printable(toName) + "'");
-    if (!xunUnitsEqv(from, to)) {
-        const UnitInfo a = GetUnitInfo(from);
-        const UnitInfo b = GetUnitInfo(to);
-        const std::string da = DimensionText(a.powers);
-        const std::string db = DimensionText(b.powers);
-        if (da != db)
-            return Fail(kExitFailed, "cannot convert '" + Printable(fromName) + "' (dimension " +
-                                         da + ") to '" + Printable(toName) + "' (dimension " + db +
-                                         "): the dimensions differ");
-        return Fail(kExitFailed, "cannot convert '" + Printable(fromName) + "' to '" +
-                                     Printable(toName) +
-                                     "': a unit with the key 0 converts nothing");
-    }
+    if (!xunUnitsEqv(from, to))
+        return Refused(from, to, fromName, toName);
     const std::string* value = hasValue ? &p[0] : nullptr;
-    if (parsed.Has("--float"))
-        return ConvertValues<float>(from, to, parsed, value);
-    return ConvertValues<double>(from, to, parsed, value);
+    if (call.Has("--float"))
+        return ConvertValues<float>(from, to, call, value);
+    return ConvertValues<double>(from, to, call, value);
 }
 
 } // namespace xuntool

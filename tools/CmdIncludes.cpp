@@ -8,7 +8,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include "Common.h"
+#include "Location.h"
 #include "Output.h"
 #include "xun.h"
 
@@ -21,18 +21,13 @@ const char* const kWrittenFiles[] = {"xunDefine.c__", "xunDefine.f__", "xunDefin
 
 } // namespace
 
-int RunIncludes(const Args& args) {
-    ParsedArgs parsed;
-    int status = kExitOk;
-    if (!ParseCommand("includes", args, {{"--out", true}}, 0, 0, parsed, status))
-        return status;
-    const std::string out = parsed.Value("--out");
-    if (parsed.Has("--out") && out.empty())
-        return UsageError("includes", "option '--out' needs a directory");
+int RunIncludes(const Invocation& call) {
     DataLocation location;
-    if (!LoadData("includes", parsed, location, status))
+    int status = kExitOk;
+    if (!LoadData(call, location, status))
         return status;
 
+    const std::string out = call.Value("--out");
     if (!out.empty()) {
         struct stat info;
         if (::stat(out.c_str(), &info) != 0 && ::mkdir(out.c_str(), 0777) != 0)
@@ -45,23 +40,26 @@ int RunIncludes(const Args& args) {
     const std::string where = out.empty() ? "the current directory" : "'" + out + "'";
     if (::access(".", W_OK) != 0)
         return Fail(kExitFailed, "cannot write into " + where + ": " + std::strerror(errno));
-    // A file that cannot be opened stops the library's writer.
-    SetStopContext("cannot write the include files into " + where);
+    // The library's writer ends the process when it cannot open one of its
+    // files: each of them is opened here first, so that it can say which
+    // one and why.
+    for (const char* name : kWrittenFiles) {
+        std::FILE* file = std::fopen(name, "a");
+        if (file == nullptr)
+            return Fail(kExitFailed,
+                        "cannot write '" + JoinPath(out, name) + "': " + std::strerror(errno));
+        std::fclose(file);
+    }
     xunWriteItemTypeIncludes();
-    SetStopContext("the library stopped");
     for (const char* name : kWrittenFiles)
-        std::printf("%s\n", out.empty() ? name : JoinPath(out, name).c_str());
+        std::printf("%s\n", JoinPath(out, name).c_str());
     return kExitOk;
 }
 
-int RunWhere(const Args& args) {
-    ParsedArgs parsed;
-    int status = kExitOk;
-    if (!ParseCommand("where", args, {}, 0, 0, parsed, status))
-        return status;
+int RunWhere(const Invocation& call) {
     DataLocation location;
     std::string error;
-    if (!ResolveLocation(parsed, "", location, error))
+    if (!ResolveLocation(call, "", location, error))
         return Fail(kExitFailed, error);
     std::printf("setup file: %s\n", location.setupFile.c_str());
     std::printf("language files: %s\n",

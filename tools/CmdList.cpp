@@ -3,7 +3,8 @@
 #include <string>
 #include <vector>
 
-#include "Common.h"
+#include "Json.h"
+#include "Location.h"
 #include "Names.h"
 #include "Output.h"
 #include "xun.h"
@@ -26,22 +27,17 @@ std::string DefaultUnitIdent(int item) {
 
 } // namespace
 
-int RunUnits(const Args& args) {
-    ParsedArgs parsed;
-    int status = kExitOk;
-    if (!ParseCommand("units", args, {{"--item", true}, {"--like", true}, {"--json", false}}, 0, 0,
-                      parsed, status))
-        return status;
+int RunUnits(const Invocation& call) {
     DataLocation location;
-    if (!LoadData("units", parsed, location, status))
+    int status = kExitOk;
+    if (!LoadData(call, location, status))
         return status;
 
     std::vector<int> tags;
-    if (parsed.Has("--item")) {
+    if (call.Has("--item")) {
         int item = 0;
-        if (!FindItemType(parsed.Value("--item"), item))
-            return Fail(kExitFailed,
-                        "unknown item type '" + Printable(parsed.Value("--item")) + "'");
+        if (!FindItemType(call.Value("--item"), item))
+            return Fail(kExitFailed, "unknown item type '" + Printable(call.Value("--item")) + "'");
         const int count = xunGetItemUnitCount(item);
         for (int seq = 1; seq <= count; ++seq) {
             int tag = 0;
@@ -56,40 +52,28 @@ int RunUnits(const Args& args) {
             tags.push_back(tag);
     }
     int like = 0;
-    if (parsed.Has("--like") && FindUnit(parsed.Value("--like"), like) == UnitMatch::None)
-        return Fail(kExitFailed, "unknown unit '" + Printable(parsed.Value("--like")) + "'");
+    if (call.Has("--like") && FindUnit(call.Value("--like"), like) == UnitMatch::None)
+        return Fail(kExitFailed, "unknown unit '" + Printable(call.Value("--like")) + "'");
 
     std::vector<UnitInfo> units;
     for (int tag : tags) {
         if (IsTemporaryUnit(tag))
             continue;
-        if (parsed.Has("--like") && !xunUnitsEqv(like, tag))
+        if (call.Has("--like") && !xunUnitsEqv(like, tag))
             continue;
         units.push_back(GetUnitInfo(tag));
     }
-    if (parsed.Has("--json")) {
-        JsonWriter json(stdout);
-        json.BeginArray();
-        for (const UnitInfo& unit : units) {
-            json.BeginObject();
-            json.Key("key");
-            json.Integer(unit.tag);
-            json.Key("ident");
-            json.String(unit.ident);
-            json.Key("description");
-            json.String(unit.description);
-            json.Key("abbreviation");
-            json.String(unit.abbreviation);
-            json.Key("factor");
-            json.Number(unit.factor);
-            json.Key("offset");
-            json.Number(unit.offset);
-            json.Key("dimension");
-            json.String(DimensionText(unit.powers));
-            json.EndObject();
-        }
-        json.EndArray();
-        json.Finish();
+    if (call.Has("--json")) {
+        Json list = Json::array();
+        for (const UnitInfo& unit : units)
+            list.push_back({{"key", unit.tag},
+                            {"ident", JsonText(unit.ident)},
+                            {"description", JsonText(unit.description)},
+                            {"abbreviation", JsonText(unit.abbreviation)},
+                            {"factor", JsonNumber(unit.factor)},
+                            {"offset", JsonNumber(unit.offset)},
+                            {"dimension", DimensionText(unit.powers)}});
+        PrintJson(list);
         return kExitOk;
     }
     Table table{{"KEY", "IDENT", "ABBR", "DESCRIPTION"}};
@@ -100,21 +84,17 @@ int RunUnits(const Args& args) {
     return kExitOk;
 }
 
-int RunItems(const Args& args) {
-    ParsedArgs parsed;
-    int status = kExitOk;
-    if (!ParseCommand("items", args, {{"--filter", true}, {"--json", false}}, 0, 0, parsed, status))
-        return status;
+int RunItems(const Invocation& call) {
     DataLocation location;
-    if (!LoadData("items", parsed, location, status))
+    int status = kExitOk;
+    if (!LoadData(call, location, status))
         return status;
 
     std::vector<int> keys;
-    if (parsed.Has("--filter")) {
+    if (call.Has("--filter")) {
         int filter = 0;
-        if (!FindFilter(parsed.Value("--filter"), filter))
-            return Fail(kExitFailed,
-                        "unknown filter '" + Printable(parsed.Value("--filter")) + "'");
+        if (!FindFilter(call.Value("--filter"), filter))
+            return Fail(kExitFailed, "unknown filter '" + Printable(call.Value("--filter")) + "'");
         const int count = xunGetFilteredItemTypeCount(filter);
         for (int seq = 1; seq <= count; ++seq) {
             int key = 0;
@@ -132,10 +112,8 @@ int RunItems(const Args& args) {
         }
     }
 
-    JsonWriter json(stdout);
+    Json list = Json::array();
     Table table{{"KEY", "IDENT", "UNIT", "DESCRIPTION"}};
-    if (parsed.Has("--json"))
-        json.BeginArray();
     for (int key : keys) {
         const char* text = nullptr;
         const std::string ident = xunGetItemTypeIdent(key, &text) ? Text(text) : "";
@@ -144,50 +122,29 @@ int RunItems(const Args& args) {
         int decimals = -1;
         double defaultValue = 0.0;
         xunGetItemTypeParams(key, &decimals, &defaultValue);
-        if (!parsed.Has("--json")) {
-            table.push_back({std::to_string(key), ident, key == 999 ? "(any)" : unit, desc});
-            continue;
-        }
-        json.BeginObject();
-        json.Key("key");
-        json.Integer(key);
-        json.Key("ident");
-        json.String(ident);
-        json.Key("description");
-        json.String(desc);
-        json.Key("defaultUnit");
-        if (unit.empty())
-            json.Null();
-        else
-            json.String(unit);
-        json.Key("decimals");
-        json.Integer(decimals);
-        json.Key("defaultValue");
-        json.Number(defaultValue);
-        json.EndObject();
+        table.push_back({std::to_string(key), ident, key == 999 ? "(any)" : unit, desc});
+        list.push_back({{"key", key},
+                        {"ident", JsonText(ident)},
+                        {"description", JsonText(desc)},
+                        {"defaultUnit", unit.empty() ? Json(nullptr) : JsonText(unit)},
+                        {"decimals", decimals},
+                        {"defaultValue", JsonNumber(defaultValue)}});
     }
-    if (parsed.Has("--json")) {
-        json.EndArray();
-        json.Finish();
-    } else {
+    if (call.Has("--json"))
+        PrintJson(list);
+    else
         PrintTable(stdout, table);
-    }
     return kExitOk;
 }
 
-int RunFilters(const Args& args) {
-    ParsedArgs parsed;
-    int status = kExitOk;
-    if (!ParseCommand("filters", args, {{"--json", false}}, 0, 0, parsed, status))
-        return status;
+int RunFilters(const Invocation& call) {
     DataLocation location;
-    if (!LoadData("filters", parsed, location, status))
+    int status = kExitOk;
+    if (!LoadData(call, location, status))
         return status;
 
-    JsonWriter json(stdout);
+    Json list = Json::array();
     Table table{{"BIT", "IDENT", "ITEMS", "DESCRIPTION"}};
-    if (parsed.Has("--json"))
-        json.BeginArray();
     const int count = xunGetFilterCount();
     for (int seq = 1; seq <= count; ++seq) {
         int bit = 0;
@@ -197,27 +154,16 @@ int RunFilters(const Args& args) {
         const char* ident = nullptr;
         xunGetFilterIdent(bit, &ident);
         const int items = xunGetFilteredItemTypeCount(bit);
-        if (!parsed.Has("--json")) {
-            table.push_back({FilterBitText(bit), Text(ident), std::to_string(items), Text(desc)});
-            continue;
-        }
-        json.BeginObject();
-        json.Key("key");
-        json.Integer(static_cast<unsigned int>(bit));
-        json.Key("ident");
-        json.String(Text(ident));
-        json.Key("description");
-        json.String(Text(desc));
-        json.Key("itemCount");
-        json.Integer(items);
-        json.EndObject();
+        table.push_back({FilterBitText(bit), Text(ident), std::to_string(items), Text(desc)});
+        list.push_back({{"key", static_cast<unsigned int>(bit)},
+                        {"ident", JsonText(Text(ident))},
+                        {"description", JsonText(Text(desc))},
+                        {"itemCount", items}});
     }
-    if (parsed.Has("--json")) {
-        json.EndArray();
-        json.Finish();
-    } else {
+    if (call.Has("--json"))
+        PrintJson(list);
+    else
         PrintTable(stdout, table);
-    }
     return kExitOk;
 }
 

@@ -2,12 +2,13 @@
 // that a name names.
 #include <cstdio>
 #include <string>
+#include <utility>
 #include <vector>
 
-#include "Common.h"
+#include "Json.h"
+#include "Location.h"
 #include "Names.h"
 #include "Output.h"
-#include "SetupFile.h"
 #include "xun.h"
 
 namespace xuntool {
@@ -28,16 +29,11 @@ std::string UnitLabel(const UnitInfo& unit) {
     return unit.abbreviation.empty() ? unit.ident : unit.ident + " (" + unit.abbreviation + ")";
 }
 
-void WriteDimension(JsonWriter& json, const double powers[7]) {
-    json.Key("dimension");
-    json.String(DimensionText(powers));
-    json.Key("exponents");
-    json.BeginObject();
-    for (int i = 0; i < 7; ++i) {
-        json.Key(kDimensionNames[i]);
-        json.Number(powers[i]);
-    }
-    json.EndObject();
+Json Exponents(const double powers[7]) {
+    Json exponents = Json::object();
+    for (int i = 0; i < 7; ++i)
+        exponents[kDimensionNames[i]] = JsonNumber(powers[i]);
+    return exponents;
 }
 
 std::string ExponentsText(const double powers[7]) {
@@ -47,68 +43,48 @@ std::string ExponentsText(const double powers[7]) {
     return Join(parts, ", ");
 }
 
-void WriteUnitRef(JsonWriter& json, const UnitInfo& unit) {
-    json.BeginObject();
-    json.Key("key");
-    json.Integer(unit.tag);
-    json.Key("ident");
-    json.String(unit.ident);
-    json.Key("abbreviation");
-    json.String(unit.abbreviation);
-    json.EndObject();
+Json UnitRef(const UnitInfo& unit) {
+    return Json{{"key", unit.tag},
+                {"ident", JsonText(unit.ident)},
+                {"abbreviation", JsonText(unit.abbreviation)}};
 }
 
-void ShowUnit(int tag, const DataLocation& location, JsonWriter* json) {
-    const UnitInfo unit = GetUnitInfo(tag);
-    RowAttribute alias;
-    RowAttribute expression;
+// The aliases of a unit, in the order they were added.
+std::vector<std::string> Aliases(int tag) {
     std::vector<std::string> aliases;
-    if (IsTemporaryUnit(tag)) {
-        expression.text = unit.description;
-        expression.present = true;
-    } else if (FindUnitRow(location.setupFile, unit.ident, tag, alias, expression)) {
-        aliases = SplitAliases(alias.text);
-    }
+    const char* alias = nullptr;
+    for (int seq = 1; xunGetUnitAlias(tag, seq, &alias); ++seq)
+        aliases.push_back(Text(alias));
+    return aliases;
+}
+
+void ShowUnit(int tag, Json* json) {
+    const UnitInfo unit = GetUnitInfo(tag);
+    const std::vector<std::string> aliases = Aliases(tag);
+    const char* text = nullptr;
+    const std::string expression = xunGetUnitExpression(tag, &text) ? Text(text) : "";
     int baseTag = 0;
-    const char* baseDesc = nullptr;
-    const bool hasBase = xunGetBaseUnit(tag, &baseTag, &baseDesc) != 0;
+    const bool hasBase = xunGetBaseUnit(tag, &baseTag, &text) != 0;
     const UnitInfo base = hasBase ? GetUnitInfo(baseTag) : UnitInfo();
 
     if (json != nullptr) {
-        json->BeginObject();
-        json->Key("kind");
-        json->String("unit");
-        json->Key("key");
-        json->Integer(tag);
-        json->Key("ident");
-        json->String(unit.ident);
-        json->Key("description");
-        json->String(unit.description);
-        json->Key("abbreviation");
-        json->String(unit.abbreviation);
-        json->Key("aliases");
-        json->BeginArray();
+        Json aliasList = Json::array();
         for (const std::string& name : aliases)
-            json->String(name);
-        json->EndArray();
-        json->Key("expression");
-        if (expression.present)
-            json->String(expression.text);
-        else
-            json->Null();
-        json->Key("temporary");
-        json->Bool(IsTemporaryUnit(tag));
-        json->Key("factor");
-        json->Number(unit.factor);
-        json->Key("offset");
-        json->Number(unit.offset);
-        WriteDimension(*json, unit.powers);
-        json->Key("baseUnit");
-        if (hasBase)
-            WriteUnitRef(*json, base);
-        else
-            json->Null();
-        json->EndObject();
+            aliasList.push_back(JsonText(name));
+        Json object{{"kind", "unit"},
+                    {"key", tag},
+                    {"ident", JsonText(unit.ident)},
+                    {"description", JsonText(unit.description)},
+                    {"abbreviation", JsonText(unit.abbreviation)},
+                    {"aliases", aliasList},
+                    {"expression", expression.empty() ? Json(nullptr) : JsonText(expression)},
+                    {"temporary", IsTemporaryUnit(tag)},
+                    {"factor", JsonNumber(unit.factor)},
+                    {"offset", JsonNumber(unit.offset)},
+                    {"dimension", DimensionText(unit.powers)},
+                    {"exponents", Exponents(unit.powers)},
+                    {"baseUnit", hasBase ? UnitRef(base) : Json(nullptr)}};
+        json->push_back(object);
         return;
     }
     std::printf("unit %s%s\n", unit.ident.c_str(),
@@ -118,7 +94,7 @@ void ShowUnit(int tag, const DataLocation& location, JsonWriter* json) {
                 {"  description", unit.description},
                 {"  abbreviation", unit.abbreviation},
                 {"  aliases", Join(aliases, "; ")},
-                {"  expression", expression.text},
+                {"  expression", expression},
                 {"  factor", FormatDouble(unit.factor)},
                 {"  offset", FormatDouble(unit.offset)},
                 {"  dimension", DimensionText(unit.powers)},
@@ -127,7 +103,7 @@ void ShowUnit(int tag, const DataLocation& location, JsonWriter* json) {
     PrintTable(stdout, table);
 }
 
-void ShowItemType(int key, JsonWriter* json) {
+void ShowItemType(int key, Json* json) {
     const char* text = nullptr;
     const std::string ident = xunGetItemTypeIdent(key, &text) ? Text(text) : "";
     const std::string desc = xunGetItemTypeKey(key, &text) ? Text(text) : "";
@@ -163,50 +139,26 @@ void ShowItemType(int key, JsonWriter* json) {
     }
 
     if (json != nullptr) {
-        json->BeginObject();
-        json->Key("kind");
-        json->String("itemType");
-        json->Key("key");
-        json->Integer(key);
-        json->Key("ident");
-        json->String(ident);
-        json->Key("description");
-        json->String(desc);
-        json->Key("decimals");
-        json->Integer(decimals);
-        json->Key("defaultValue");
-        json->Number(defaultValue);
-        if (hasDimension)
-            WriteDimension(*json, eqv.powers);
-        json->Key("anyUnit");
-        json->Bool(key == 999);
-        json->Key("defaultUnit");
-        if (!allowed.empty())
-            WriteUnitRef(*json, allowed[0]);
-        else
-            json->Null();
-        json->Key("userUnit");
-        if (hasUser)
-            WriteUnitRef(*json, user);
-        else
-            json->Null();
-        json->Key("allowedUnits");
-        json->BeginArray();
-        for (const UnitInfo& unit : allowed)
-            WriteUnitRef(*json, unit);
-        json->EndArray();
-        json->Key("filters");
-        json->BeginArray();
-        for (const std::pair<int, std::string>& filter : filters) {
-            json->BeginObject();
-            json->Key("key");
-            json->Integer(static_cast<unsigned int>(filter.first));
-            json->Key("ident");
-            json->String(filter.second);
-            json->EndObject();
+        Json object{{"kind", "itemType"},       {"key", key},
+                    {"ident", JsonText(ident)}, {"description", JsonText(desc)},
+                    {"decimals", decimals},     {"defaultValue", JsonNumber(defaultValue)}};
+        if (hasDimension) {
+            object["dimension"] = DimensionText(eqv.powers);
+            object["exponents"] = Exponents(eqv.powers);
         }
-        json->EndArray();
-        json->EndObject();
+        object["anyUnit"] = key == 999;
+        object["defaultUnit"] = allowed.empty() ? Json(nullptr) : UnitRef(allowed[0]);
+        object["userUnit"] = hasUser ? UnitRef(user) : Json(nullptr);
+        Json allowedList = Json::array();
+        for (const UnitInfo& unit : allowed)
+            allowedList.push_back(UnitRef(unit));
+        object["allowedUnits"] = allowedList;
+        Json filterList = Json::array();
+        for (const std::pair<int, std::string>& filter : filters)
+            filterList.push_back({{"key", static_cast<unsigned int>(filter.first)},
+                                  {"ident", JsonText(filter.second)}});
+        object["filters"] = filterList;
+        json->push_back(object);
         return;
     }
     std::vector<std::string> allowedTexts;
@@ -232,7 +184,7 @@ void ShowItemType(int key, JsonWriter* json) {
     PrintTable(stdout, table);
 }
 
-void ShowFilter(int bit, JsonWriter* json) {
+void ShowFilter(int bit, Json* json) {
     const char* text = nullptr;
     const std::string ident = xunGetFilterIdent(bit, &text) ? Text(text) : "";
     const std::string desc = xunGetFilterKey(bit, &text) ? Text(text) : "";
@@ -247,27 +199,14 @@ void ShowFilter(int bit, JsonWriter* json) {
         }
     }
     if (json != nullptr) {
-        json->BeginObject();
-        json->Key("kind");
-        json->String("filter");
-        json->Key("key");
-        json->Integer(static_cast<unsigned int>(bit));
-        json->Key("ident");
-        json->String(ident);
-        json->Key("description");
-        json->String(desc);
-        json->Key("itemTypes");
-        json->BeginArray();
-        for (const std::pair<int, std::string>& item : items) {
-            json->BeginObject();
-            json->Key("key");
-            json->Integer(item.first);
-            json->Key("ident");
-            json->String(item.second);
-            json->EndObject();
-        }
-        json->EndArray();
-        json->EndObject();
+        Json itemList = Json::array();
+        for (const std::pair<int, std::string>& item : items)
+            itemList.push_back({{"key", item.first}, {"ident", JsonText(item.second)}});
+        json->push_back({{"kind", "filter"},
+                         {"key", static_cast<unsigned int>(bit)},
+                         {"ident", JsonText(ident)},
+                         {"description", JsonText(desc)},
+                         {"itemTypes", itemList}});
         return;
     }
     std::vector<std::string> itemTexts;
@@ -284,15 +223,12 @@ void ShowFilter(int bit, JsonWriter* json) {
 
 } // namespace
 
-int RunShow(const Args& args) {
-    ParsedArgs parsed;
-    int status = kExitOk;
-    if (!ParseCommand("show", args, {{"--json", false}}, 1, 1, parsed, status))
-        return status;
+int RunShow(const Invocation& call) {
     DataLocation location;
-    if (!LoadData("show", parsed, location, status))
+    int status = kExitOk;
+    if (!LoadData(call, location, status))
         return status;
-    const std::string& name = parsed.positionals[0];
+    const std::string& name = call.args[0];
 
     int unit = 0;
     int item = 0;
@@ -307,10 +243,8 @@ int RunShow(const Args& args) {
         return Fail(kExitFailed,
                     "unknown name '" + Printable(name) + "': no unit, item type or filter");
 
-    JsonWriter writer(stdout);
-    JsonWriter* json = parsed.Has("--json") ? &writer : nullptr;
-    if (json != nullptr)
-        json->BeginArray();
+    Json list = Json::array();
+    Json* json = call.Has("--json") ? &list : nullptr;
     bool first = true;
     auto separate = [&]() {
         if (json == nullptr && !first)
@@ -319,7 +253,7 @@ int RunShow(const Args& args) {
     };
     if (isUnit || isExpression) {
         separate();
-        ShowUnit(unit, location, json);
+        ShowUnit(unit, json);
     }
     if (isItem) {
         separate();
@@ -329,10 +263,8 @@ int RunShow(const Args& args) {
         separate();
         ShowFilter(filter, json);
     }
-    if (json != nullptr) {
-        json->EndArray();
-        json->Finish();
-    }
+    if (json != nullptr)
+        PrintJson(list);
     return kExitOk;
 }
 

@@ -10,8 +10,6 @@
 #include <unistd.h>
 
 #include "Output.h"
-#include "setup/Installation.h"
-#include "units/KVassert.h"
 #include "xun.h"
 
 #ifndef XUN_INSTALLED_DATA_DIR
@@ -27,9 +25,6 @@
 namespace xuntool {
 
 namespace {
-
-std::string StopContext_ = "the library stopped";
-bool ThrowOnStop_ = false;
 
 bool IsFile(const std::string& path) {
     struct stat status;
@@ -69,15 +64,15 @@ std::string WithoutTrailingSlashes(std::string path) {
     return path;
 }
 
-std::string FindHome(const ParsedArgs& args) {
-    if (args.Has("--home"))
-        return WithoutTrailingSlashes(args.Value("--home"));
+std::string FindHome(const Invocation& call) {
+    if (call.Has("--home"))
+        return WithoutTrailingSlashes(call.Value("--home"));
     const char* env = std::getenv("KORVANE_HOME");
     if (env != nullptr && env[0] != '\0')
         return env;
     // A setup file of one's own goes with no other installation's language
     // files, whose keys it would not match.
-    if (args.Has("--setup"))
+    if (call.Has("--setup"))
         return "";
     const std::string installed = InstalledDataDir();
     if (!installed.empty() && IsFile(installed + "/bin/XUN.xml"))
@@ -85,16 +80,6 @@ std::string FindHome(const ParsedArgs& args) {
     if (RunsFromBuildTree() && IsFile(std::string(XUN_SOURCE_DATA_DIR) + "/bin/XUN.xml"))
         return XUN_SOURCE_DATA_DIR;
     return "";
-}
-
-void StopHook(const char* expr, const char* source, unsigned line, const char* /*function*/) {
-    LibraryStop stop{expr != nullptr ? expr : "", source != nullptr ? source : "", line};
-    if (ThrowOnStop_)
-        throw stop;
-    std::fflush(stdout);
-    std::fprintf(stderr, "xun: %s: %s\n", StopContext_.c_str(), stop.Reason().c_str());
-    std::fflush(stderr);
-    std::_Exit(kExitFailed);
 }
 
 // Sends standard output to standard error while it lives.
@@ -120,36 +105,40 @@ class StdoutToStderr {
     int m_saved;
 };
 
+// The first problems that the check of a load reports: the first of all,
+// and the first that would end the process.
+struct FirstProblems {
+    std::string any;
+    std::string fatal;
+
+    static void Remember(void* user, const char* file, int line, int severity,
+                         const char* message) {
+        FirstProblems& first = *static_cast<FirstProblems*>(user);
+        if (first.any.empty())
+            first.any = message;
+        if (severity == XUN_CHECK_FATAL && first.fatal.empty())
+            first.fatal = ProblemText(file, line, message);
+    }
+};
+
 } // namespace
 
-std::string LibraryStop::Reason() const {
-    if (source == "KVLangFile")
-        return "a language file lacks a key of the setup file or repeats a key";
-    if (source == "ItemTypeTables" && expression == "ok")
-        return "a filter names an unknown item type";
-    if (expression == "bOk")
-        return "an item type allows a unit of another dimension";
-    if (expression == "m_dFactor")
-        return "a unit expression gives the factor 0";
-    if (source == "KVitemType" && expression == "0")
-        return "a file cannot be written";
-    return "the library stopped on its check '" + expression + "' (" + source + ")";
+std::string ProblemText(const char* file, int line, const std::string& message) {
+    std::string text = file != nullptr ? file : "";
+    if (line > 0)
+        text += ":" + std::to_string(line);
+    return text + ": " + message;
 }
 
-void SetStopContext(const std::string& context) {
-    StopContext_ = context;
-}
-
-ThrowOnLibraryStop::ThrowOnLibraryStop() : m_previous(ThrowOnStop_) {
-    ThrowOnStop_ = true;
-}
-
-ThrowOnLibraryStop::~ThrowOnLibraryStop() {
-    ThrowOnStop_ = m_previous;
-}
-
-void InstallStopHook() {
-    xunSetAssertHook_(&StopHook);
+std::string LibraryReason() {
+    const char* message = nullptr;
+    xunGetLastError(&message);
+    std::string reason = message != nullptr ? message : "";
+    // Messages start with the function's name: "xunSetupCheck: ...".
+    const size_t colon = reason.find(": ");
+    if (reason.compare(0, 3, "xun") == 0 && colon != std::string::npos && reason.find(' ') > colon)
+        reason.erase(0, colon + 2);
+    return reason.empty() ? "the library gives no reason" : reason;
 }
 
 std::string DirectoryOf(const std::string& path) {
@@ -169,11 +158,11 @@ std::string JoinPath(const std::string& dir, const std::string& name) {
     return dir + "/" + name;
 }
 
-bool ResolveLocation(const ParsedArgs& args, const std::string& setupArgument,
+bool ResolveLocation(const Invocation& call, const std::string& setupArgument,
                      DataLocation& location, std::string& error) {
-    location.home = FindHome(args);
-    if (!setupArgument.empty() || args.Has("--setup")) {
-        location.setupFile = !setupArgument.empty() ? setupArgument : args.Value("--setup");
+    location.home = FindHome(call);
+    if (!setupArgument.empty() || call.Has("--setup")) {
+        location.setupFile = !setupArgument.empty() ? setupArgument : call.Value("--setup");
         location.setupGiven = true;
         if (location.setupFile.empty()) {
             error = "the setup file name is empty";
@@ -189,8 +178,7 @@ bool ResolveLocation(const ParsedArgs& args, const std::string& setupArgument,
     return true;
 }
 
-int LoadLocation(const DataLocation& location) {
-    const std::string& file = location.setupFile;
+int CheckReadable(const std::string& file) {
     struct stat status;
     if (::stat(file.c_str(), &status) != 0)
         return Fail(kExitFailed, "cannot read setup file '" + file + "': " + std::strerror(errno));
@@ -200,25 +188,46 @@ int LoadLocation(const DataLocation& location) {
     if (probe == nullptr)
         return Fail(kExitFailed, "cannot read setup file '" + file + "': " + std::strerror(errno));
     std::fclose(probe);
-    // The library keeps the name in a buffer of 260 bytes.
-    if (file.size() >= static_cast<size_t>(kXunPathBufferSize))
-        return Fail(kExitFailed, "the setup file name '" + file + "' is longer than " +
-                                     std::to_string(kXunPathBufferSize - 1) + " bytes");
+    return kExitOk;
+}
 
+int LoadLocation(const DataLocation& location) {
+    const std::string& file = location.setupFile;
+    if (int status = CheckReadable(file))
+        return status;
+    // The library reads the language files from $KORVANE_HOME/bin.
     if (!location.home.empty())
-        setenv("KORVANE_HOME", location.home.c_str(), 1);
-    SetStopContext("cannot load '" + file + "'");
+        ::setenv("KORVANE_HOME", location.home.c_str(), 1);
+    else
+        ::unsetenv("KORVANE_HOME");
+    const std::string langDir = location.home + "/bin";
+    FirstProblems first;
+    const int fatal = xunSetupCheck(file.c_str(), location.home.empty() ? nullptr : langDir.c_str(),
+                                    &FirstProblems::Remember, &first);
+    if (fatal < 0)
+        return Fail(kExitFailed, "cannot load setup file '" + file +
+                                     "': " + (first.any.empty() ? LibraryReason() : first.any));
+    if (fatal > 0)
+        return Fail(kExitFailed, "cannot load '" + file + "': " + first.fatal);
     {
         StdoutToStderr redirect;
         xunLoadItemTypeTables(location.setupGiven ? file.c_str() : "");
     }
-    SetStopContext("the library stopped");
     const char* loaded = nullptr;
     xunSetupGetPath(&loaded);
     if (loaded == nullptr || loaded[0] == '\0')
-        return Fail(kExitFailed,
-                    "cannot load setup file '" + file + "': it is not well-formed XML");
+        return Fail(kExitFailed, "cannot load setup file '" + file + "': " + LibraryReason());
     return kExitOk;
+}
+
+bool LoadData(const Invocation& call, DataLocation& location, int& status) {
+    std::string error;
+    if (!ResolveLocation(call, "", location, error)) {
+        status = Fail(kExitFailed, error);
+        return false;
+    }
+    status = LoadLocation(location);
+    return status == kExitOk;
 }
 
 } // namespace xuntool

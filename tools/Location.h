@@ -12,7 +12,7 @@
 
 #include <string>
 
-#include "Args.h"
+#include "Commands.h"
 
 namespace xuntool {
 
@@ -25,44 +25,33 @@ struct DataLocation {
 // Resolves the location from --setup and --home (a SETUP argument of the
 // check command counts as --setup). False with a message when neither a
 // setup file nor an installation was found.
-bool ResolveLocation(const ParsedArgs& args, const std::string& setupArgument,
+bool ResolveLocation(const Invocation& call, const std::string& setupArgument,
                      DataLocation& location, std::string& error);
 
-// Loads the setup file and the language files through xunLoadItemTypeTables.
-// Whatever the library prints meanwhile goes to standard error, so standard
-// output stays clean for scripts. Returns kExitOk, or kExitFailed after a
-// message when the file cannot be read or loaded. A load that the library
-// would abort (a language file without a key, a filter naming an unknown item
-// type, ...) ends the tool with a message and status 1 instead.
+// Whether the setup file can be read: kExitOk, or kExitFailed after a
+// message that says why not.
+int CheckReadable(const std::string& setupFile);
+
+// Loads the setup file and the language files of the location through
+// xunLoadItemTypeTables. The library's check runs first: what would end the
+// process in the load (a language file without a key, a filter naming an
+// unknown item type, ...) ends the tool with that problem and status 1
+// instead, and nothing is loaded. Whatever the library prints during the
+// load goes to standard error, so standard output stays clean for scripts.
+// Returns kExitOk, or kExitFailed after a message.
 int LoadLocation(const DataLocation& location);
 
-// What to say when the library stops on one of its assertions. In the
-// default mode the tool prints "xun: <context>: <reason>" and exits with
-// status 1; inside a ThrowOnLibraryStop scope the stop is thrown as a
-// LibraryStop instead, so that the caller can report it and go on.
-void SetStopContext(const std::string& context);
+// Resolves the location of a command's data (ResolveLocation without a
+// SETUP argument) and loads it; false with status set on failure.
+bool LoadData(const Invocation& call, DataLocation& location, int& status);
 
-struct LibraryStop {
-    std::string expression;
-    std::string source;
-    unsigned line;
-    // A readable reason, e.g. "a unit expression gives the factor 0".
-    std::string Reason() const;
-};
+// A problem reported by the library's checks, for messages: "FILE:LINE:
+// MESSAGE", or "FILE: MESSAGE" when it concerns the file as a whole.
+std::string ProblemText(const char* file, int line, const std::string& message);
 
-class ThrowOnLibraryStop {
-  public:
-    ThrowOnLibraryStop();
-    ~ThrowOnLibraryStop();
-    ThrowOnLibraryStop(const ThrowOnLibraryStop&) = delete;
-    ThrowOnLibraryStop& operator=(const ThrowOnLibraryStop&) = delete;
-
-  private:
-    bool m_previous;
-};
-
-// Installs the library hook behind SetStopContext and ThrowOnLibraryStop.
-void InstallStopHook();
+// The message of the last failed call of the library, without the name of
+// the function that it starts with.
+std::string LibraryReason();
 
 // Directory part of a path ("" when it has none).
 std::string DirectoryOf(const std::string& path);

@@ -1,9 +1,27 @@
-// Finding units, item types and filters by the names a user types.
+// Units, item types and filters as the C interface tells of them, and
+// finding them by the names a user types.
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace xuntool {
+
+struct UnitInfo {
+    int tag = 0;
+    std::string ident;
+    std::string description;
+    std::string abbreviation;
+    double factor = 1.0;
+    double offset = 0.0;
+    double powers[7] = {0, 0, 0, 0, 0, 0, 0};
+};
+
+// What the C interface tells about a registered unit.
+UnitInfo GetUnitInfo(int tag);
+
+// Texts of the C interface that may be null.
+std::string Text(const char* text);
 
 // How a unit name was found.
 enum class UnitMatch { None, Ident, Description, Abbreviation, Expression };
@@ -26,9 +44,5 @@ bool FindItemType(const std::string& name, int& key);
 // A filter by ident, by description (exact) or by its bit value (decimal, or
 // hexadecimal with 0x).
 bool FindFilter(const std::string& name, int& key);
-
-// Parses a whole text as an integer with the given base (0: automatic);
-// false for anything else, for an empty text and outside the int range.
-bool ParseInt(const std::string& text, int base, long long& value);
 
 } // namespace xuntool

@@ -1,6 +1,5 @@
 #include "Output.h"
 
-#include <cmath>
 #include <cstdlib>
 
 namespace xuntool {
@@ -18,9 +17,8 @@ std::string Format(const char* format, double value) {
     return text;
 }
 
-// Length of the valid UTF-8 sequence at text[i], or 0 when the bytes there
-// are not one (overlong forms, surrogates and values above U+10FFFF count as
-// invalid).
+} // namespace
+
 size_t Utf8SequenceLength(const std::string& text, size_t i) {
     const unsigned char c = static_cast<unsigned char>(text[i]);
     if (c < 0x80)
@@ -53,12 +51,14 @@ size_t Utf8SequenceLength(const std::string& text, size_t i) {
     return length;
 }
 
+namespace {
+
+// Characters on screen: a UTF-8 sequence counts once, any other byte once.
 size_t DisplayWidth(const std::string& text) {
     size_t width = 0;
-    for (size_t i = 0; i < text.size();) {
+    for (size_t i = 0; i < text.size(); ++width) {
         const size_t length = Utf8SequenceLength(text, i);
         i += length == 0 ? 1 : length;
-        ++width;
     }
     return width;
 }
@@ -82,6 +82,12 @@ std::string FormatShortest(double value) {
             return text;
     }
     return FormatDouble(value);
+}
+
+std::string FilterBitText(int bit) {
+    char text[16];
+    std::snprintf(text, sizeof text, "0x%08X", static_cast<unsigned int>(bit));
+    return text;
 }
 
 std::string DimensionText(const double powers[7]) {
@@ -122,6 +128,10 @@ std::string Printable(const std::string& text, size_t limit) {
     return result;
 }
 
+std::string Quote(const std::string& text) {
+    return "'" + Printable(text) + "'";
+}
+
 void PrintTable(std::FILE* out, const std::vector<std::vector<std::string>>& rows) {
     std::vector<size_t> widths;
     for (const std::vector<std::string>& row : rows)
@@ -137,150 +147,12 @@ void PrintTable(std::FILE* out, const std::vector<std::vector<std::string>>& row
         for (size_t column = 0; column < row.size(); ++column) {
             const std::string cell = Printable(row[column], std::string::npos);
             line += cell;
-            if (column + 1 < row.size() && widths[column] >= DisplayWidth(cell))
+            if (column + 1 < row.size())
                 line.append(widths[column] - DisplayWidth(cell) + 2, ' ');
         }
         line.erase(line.find_last_not_of(' ') + 1);
         std::fprintf(out, "%s\n", line.c_str());
     }
-}
-
-std::string JsonQuote(const std::string& text) {
-    std::string result = "\"";
-    for (size_t i = 0; i < text.size();) {
-        const unsigned char c = static_cast<unsigned char>(text[i]);
-        const size_t length = Utf8SequenceLength(text, i);
-        if (length == 0) {
-            // Not UTF-8: the byte read as a Latin-1 character.
-            result += static_cast<char>(0xC0 | (c >> 6));
-            result += static_cast<char>(0x80 | (c & 0x3F));
-            ++i;
-            continue;
-        }
-        if (length > 1) {
-            result.append(text, i, length);
-            i += length;
-            continue;
-        }
-        ++i;
-        switch (c) {
-        case '"':
-            result += "\\\"";
-            break;
-        case '\\':
-            result += "\\\\";
-            break;
-        case '\n':
-            result += "\\n";
-            break;
-        case '\r':
-            result += "\\r";
-            break;
-        case '\t':
-            result += "\\t";
-            break;
-        case '\b':
-            result += "\\b";
-            break;
-        case '\f':
-            result += "\\f";
-            break;
-        default:
-            if (c < 0x20 || c == 0x7F) {
-                char escaped[8];
-                std::snprintf(escaped, sizeof escaped, "\\u%04x", c);
-                result += escaped;
-            } else {
-                result += static_cast<char>(c);
-            }
-        }
-    }
-    return result + "\"";
-}
-
-void JsonWriter::Indent() {
-    std::fputc('\n', m_out);
-    for (size_t i = 0; i < m_counts.size(); ++i)
-        std::fputs("  ", m_out);
-}
-
-void JsonWriter::BeforeValue() {
-    if (m_afterKey) {
-        m_afterKey = false;
-        return;
-    }
-    if (m_counts.empty())
-        return;
-    if (m_counts.back()++ > 0)
-        std::fputc(',', m_out);
-    Indent();
-}
-
-void JsonWriter::BeginObject() {
-    BeforeValue();
-    std::fputc('{', m_out);
-    m_counts.push_back(0);
-}
-
-void JsonWriter::EndObject() {
-    const bool empty = m_counts.back() == 0;
-    m_counts.pop_back();
-    if (!empty)
-        Indent();
-    std::fputc('}', m_out);
-}
-
-void JsonWriter::BeginArray() {
-    BeforeValue();
-    std::fputc('[', m_out);
-    m_counts.push_back(0);
-}
-
-void JsonWriter::EndArray() {
-    const bool empty = m_counts.back() == 0;
-    m_counts.pop_back();
-    if (!empty)
-        Indent();
-    std::fputc(']', m_out);
-}
-
-void JsonWriter::Key(const std::string& name) {
-    BeforeValue();
-    std::fprintf(m_out, "%s: ", JsonQuote(name).c_str());
-    m_afterKey = true;
-}
-
-void JsonWriter::String(const std::string& value) {
-    BeforeValue();
-    std::fputs(JsonQuote(value).c_str(), m_out);
-}
-
-void JsonWriter::Number(double value) {
-    if (!std::isfinite(value)) {
-        Null();
-        return;
-    }
-    BeforeValue();
-    std::fputs(FormatDouble(value).c_str(), m_out);
-}
-
-void JsonWriter::Integer(long long value) {
-    BeforeValue();
-    std::fprintf(m_out, "%lld", value);
-}
-
-void JsonWriter::Null() {
-    BeforeValue();
-    std::fputs("null", m_out);
-}
-
-void JsonWriter::Bool(bool value) {
-    BeforeValue();
-    std::fputs(value ? "true" : "false", m_out);
-}
-
-void JsonWriter::Finish() {
-    std::fputc('\n', m_out);
 }
 
 } // namespace xuntool

@@ -1,5 +1,5 @@
-// Output helpers of the xun tool: number formats that read back exactly,
-// dimension texts, aligned text tables and a JSON writer.
+// Output helpers of the xun tool: exit statuses, number formats that read
+// back exactly, dimension texts and aligned text tables.
 #pragma once
 
 #include <cstdio>
@@ -19,6 +19,8 @@ std::string FormatDouble(double value);
 std::string FormatFloat(float value);
 // The shortest "%.Ng" text that reads back as the same double (for exponents).
 std::string FormatShortest(double value);
+// A filter bit as 0x%08X.
+std::string FilterBitText(int bit);
 
 // Names of the seven base dimensions in exponent order, for JSON keys and
 // long listings: length, mass, time, temperature, current, substance,
@@ -36,43 +38,18 @@ int Fail(int status, const std::string& message);
 // 0x7F as \xNN, and cut after limit bytes with "..." appended.
 std::string Printable(const std::string& text, size_t limit = 80);
 
+// 'text' for messages, quoted and made printable.
+std::string Quote(const std::string& text);
+
+// The length of the valid UTF-8 sequence at text[i], or 0 when the bytes
+// there are not one (overlong forms, surrogates and values above U+10FFFF
+// count as invalid). The one UTF-8 reader of the tool: table widths and JSON
+// strings both use it.
+size_t Utf8SequenceLength(const std::string& text, size_t i);
+
 // Rows of cells written with every column but the last padded to its widest
 // cell (widths counted in UTF-8 characters), two blanks between columns.
 // Control bytes in cells are written as \xNN (Printable).
 void PrintTable(std::FILE* out, const std::vector<std::vector<std::string>>& rows);
-
-// A JSON writer with two-blank indentation. Strings are escaped; bytes that
-// are not valid UTF-8 are taken as Latin-1 characters, so the output is
-// always valid UTF-8 JSON. Numbers that JSON cannot hold (NaN, infinities)
-// are written as null.
-class JsonWriter {
-  public:
-    explicit JsonWriter(std::FILE* out) : m_out(out) {}
-    void BeginObject();
-    void EndObject();
-    void BeginArray();
-    void EndArray();
-    // The name of the next member of the current object.
-    void Key(const std::string& name);
-    void String(const std::string& value);
-    void Number(double value);
-    void Integer(long long value);
-    void Null();
-    void Bool(bool value);
-    // Ends the document with a line break.
-    void Finish();
-
-  private:
-    void BeforeValue();
-    void Indent();
-
-    std::FILE* m_out;
-    // One entry per open container: the number of values written in it.
-    std::vector<int> m_counts;
-    bool m_afterKey = false;
-};
-
-// Escapes text as a JSON string literal, quotes included.
-std::string JsonQuote(const std::string& text);
 
 } // namespace xuntool

@@ -47,6 +47,18 @@ TEST(ToolConvert, NegativeValueIsNotAnOption) {
                 0, "233.14999999999998\n", "");
 }
 
+TEST(ToolConvert, NegativeValueWithoutLeadingZero) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "-.5", "m", "cm"}), 0, "-50\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "-.5", "-.5", "m", "cm"}), 0,
+                "-0.5\n", "");
+}
+
+TEST(ToolConvert, DoubleDashEndsTheOptions) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--", "-1", "m", "cm"}), 0, "-100\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--", "--float", "m", "cm"}), 1, "",
+                "xun: not a number: '--float'\n");
+}
+
 TEST(ToolConvert, IncompatibleUnitsNameBothDimensions) {
     EXPECT_TOOL(
         Xun({"--home", "home", "convert", "1", "m", "s"}), 1, "",
@@ -62,6 +74,14 @@ TEST(ToolConvert, IncompatibleCompositeDimensions) {
                 "xun: cannot convert 'm/s' (dimension L T-1) to 'm\xC2"
                 "\xB3"
                 "' (dimension L3): the dimensions differ\n");
+}
+
+// The library says why it refuses: here a unit with the key 0.
+TEST(ToolConvert, UnitWithKeyZero) {
+    EXPECT_TOOL(Xun({"--setup", "check/key_zero.xml", "convert", "1", "UnitInch", "UnitMeter"}), 1,
+                "",
+                "xun: cannot convert 'UnitInch' to 'UnitMeter': the unit 'UnitInch' has the key 0 "
+                "and converts nothing\n");
 }
 
 TEST(ToolConvert, UnknownUnit) {

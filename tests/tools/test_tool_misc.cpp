@@ -74,6 +74,20 @@ TEST(ToolUsage, EmptyHome) {
     EXPECT_TOOL(Xun({"units", "--home="}), 2, "",
                 "xun: option '--home' needs a directory\n"
                 "Try 'xun units --help'.\n");
+    EXPECT_TOOL(Xun({"units", "--home", ""}), 2, "",
+                "xun: option '--home' needs a directory\n"
+                "Try 'xun units --help'.\n");
+}
+
+// An empty value given with "=" is a value, not the next argument.
+TEST(ToolUsage, EmptySetupFileName) {
+    EXPECT_TOOL(Xun({"--setup=", "units"}), 1, "", "xun: the setup file name is empty\n");
+}
+
+TEST(ToolUsage, DataOptionBeforeAndAfterTheCommand) {
+    EXPECT_TOOL(Xun({"--home", "home", "filters", "--home", "home"}), 2, "",
+                "xun: option '--home' given twice\n"
+                "Try 'xun filters --help'.\n");
 }
 
 TEST(ToolLoad, LibraryMessagesGoToStandardError) {
@@ -89,19 +103,20 @@ TEST(ToolLoad, LibraryMessagesGoToStandardError) {
 TEST(ToolLoad, StopInSetupFileEndsWithMessage) {
     EXPECT_TOOL(
         Xun({"--home", "nolang", "--setup", "check/filter_unknown_item.xml", "units"}), 1, "",
-        "xun: cannot load 'check/filter_unknown_item.xml': a filter names an unknown item type\n");
+        "xun: cannot load 'check/filter_unknown_item.xml': check/filter_unknown_item.xml:18: "
+        "filter 'FilterA': unknown item type 'ItemGhost' in Items; loading would stop\n");
 }
 
 TEST(ToolLoad, StopInLanguageFileEndsWithMessage) {
     EXPECT_TOOL(Xun({"--home", "home", "--setup", "check/key_zero.xml", "units"}), 1, "",
-                "xun: cannot load 'check/key_zero.xml': a language file lacks a key of the setup "
-                "file or repeats a key\n");
+                "xun: cannot load 'check/key_zero.xml': home/bin/xuntype.lan:8: no text for item "
+                "type 0 'ItemDepth'; loading would stop\n");
 }
 
 TEST(ToolLoad, MalformedSetupFile) {
     EXPECT_TOOL(Xun({"--home", "nolang", "--setup", "check/malformed.xml", "units"}), 1, "",
-                "Document 'check/malformed.xml' not parsed successfully. \n"
-                "xun: cannot load setup file 'check/malformed.xml': it is not well-formed XML\n");
+                "xun: cannot load setup file 'check/malformed.xml': the file cannot be read or is "
+                "not well-formed XML; a load refuses it\n");
 }
 
 TEST(ToolLoad, SetupFileIsADirectory) {

@@ -237,7 +237,7 @@ TEST(ToolShow, ExpressionJson) {
                 "    \"aliases\": [],\n"
                 "    \"expression\": \"UnitKilometer/UnitHour\",\n"
                 "    \"temporary\": true,\n"
-                "    \"factor\": 0.27777777777777779,\n"
+                "    \"factor\": 0.2777777777777778,\n"
                 "    \"offset\": 0,\n"
                 "    \"dimension\": \"L T-1\",\n"
                 "    \"exponents\": {\n"

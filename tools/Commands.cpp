@@ -1,7 +1,8 @@
-// Help texts of the xun tool and its usage errors.
+// The command table and the help texts of the xun tool.
+#include "Commands.h"
+
 #include <cstdio>
 
-#include "Commands.h"
 #include "Output.h"
 
 namespace xuntool {
@@ -27,18 +28,9 @@ const char kToolHelp[] =
     "Converts values between engineering units and inspects the tables of the\n"
     "engineering-unit library.\n"
     "\n"
-    "Commands:\n"
-    "  convert [VALUE] FROM TO     convert a value, or numbers from standard input\n"
-    "  units [--item I] [--like U] list units\n"
-    "  items [--filter F]          list item types\n"
-    "  filters                     list filters\n"
-    "  show NAME                   everything known about a unit, item type or filter\n"
-    "  includes [--out DIR]        write the include files and the allowed-units report\n"
-    "  check [SETUP] [--lang DIR]  find every problem of a setup file and its language files\n"
-    "  where                       show which setup file and language files are used\n"
-    "  help [COMMAND]              show this help or a command's help\n"
-    "\n"
-    "'xun COMMAND --help' describes a command.\n";
+    "Commands:\n";
+
+const char kToolHelpEnd[] = "\n'xun COMMAND --help' describes a command.\n";
 
 const char kConvertHelp[] =
     "Usage: xun convert [OPTIONS] VALUE FROM TO\n"
@@ -103,8 +95,7 @@ const char kShowHelp[] =
     "description, decimals, default value, dimension, default, user and allowed\n"
     "units and filters; for a filter its bit, ident, description and item types.\n"
     "Units are found as in convert (an expression shows its temporary unit), item\n"
-    "types and filters by ident, description or key. Aliases and expressions are\n"
-    "read from the setup file, since the library's interface does not give them.\n"
+    "types and filters by ident, description or key.\n"
     "\n"
     "Options:\n"
     "  --json  write a JSON array of objects instead, one per match\n";
@@ -122,14 +113,24 @@ const char kIncludesHelp[] =
 const char kCheckHelp[] =
     "Usage: xun check [OPTIONS] [SETUP]\n"
     "\n"
-    "Reads a setup file and its language files as a load would, without stopping\n"
-    "at the first problem, and reports every row that a load would skip, refuse or\n"
-    "stop on, one line each as FILE:LINE: MESSAGE. Prints nothing when all is well.\n"
-    "SETUP is the setup file (default: HOME/bin/XUN.xml, as for the other commands).\n"
+    "Runs the library's check of a load: reads a setup file and its language files\n"
+    "as a load would, without stopping at the first problem and without loading\n"
+    "them, and reports every problem on a line of its own as\n"
+    "FILE:LINE: SEVERITY: MESSAGE (FILE: SEVERITY: MESSAGE when it concerns the\n"
+    "file as a whole). SEVERITY tells what a load does there:\n"
+    "  fatal    the load ends the process\n"
+    "  message  the load prints a message and goes on\n"
+    "  dropped  the load drops or ignores something without a word\n"
+    "  warning  the load takes it as written, but it will not work as meant\n"
+    "Prints nothing when all is well. SETUP is the setup file (default:\n"
+    "HOME/bin/XUN.xml, as for the other commands).\n"
     "\n"
     "Options:\n"
-    "  --lang DIR  read xuntype.lan, xununit.lan and xunfilter.lan from DIR\n"
-    "              (default: the directory of SETUP or --setup, else HOME/bin)\n"
+    "  --lang DIR         read xuntype.lan, xununit.lan and xunfilter.lan from DIR\n"
+    "                     (default: the directory of SETUP or --setup, else HOME/bin)\n"
+    "  --base-group FILE  also check a unit base-group file against the item types\n"
+    "                     and units of the setup file (when nothing in the setup\n"
+    "                     file would end a load)\n"
     "\n"
     "Exit status: 0 when nothing was found, 1 when something was found or the\n"
     "setup file cannot be read, 2 bad usage.\n";
@@ -142,40 +143,127 @@ const char kWhereHelp[] =
 
 } // namespace
 
-std::string HelpText(const std::string& command) {
-    std::string text;
-    if (command.empty())
-        text = kToolHelp;
-    else if (command == "convert")
-        text = kConvertHelp;
-    else if (command == "units")
-        text = kUnitsHelp;
-    else if (command == "items")
-        text = kItemsHelp;
-    else if (command == "filters")
-        text = kFiltersHelp;
-    else if (command == "show")
-        text = kShowHelp;
-    else if (command == "includes")
-        text = kIncludesHelp;
-    else if (command == "check")
-        text = kCheckHelp;
-    else if (command == "where")
-        text = kWhereHelp;
-    else
-        return "";
-    return text + "\n" + kDataHelp + "\n" + (command == "check" ? "" : kExitHelp);
+bool Invocation::Has(const std::string& name) const {
+    return values.count(name) != 0 || flags.count(name) != 0;
 }
 
-int PrintHelp(const std::string& command) {
-    std::fputs(HelpText(command).c_str(), stdout);
+std::string Invocation::Value(const std::string& name, const std::string& fallback) const {
+    const auto it = values.find(name);
+    return it != values.end() ? it->second : fallback;
+}
+
+const std::vector<Command>& CommandTable() {
+    static const std::vector<Command> commands = {
+        {"convert",
+         "convert [VALUE] FROM TO",
+         "convert a value, or numbers from standard input",
+         kConvertHelp,
+         {{"--delete", true, false}, {"--float", false, false}},
+         2,
+         3,
+         &RunConvert},
+        {"units",
+         "units [--item I] [--like U]",
+         "list units",
+         kUnitsHelp,
+         {{"--item", true, false}, {"--like", true, false}, {"--json", false, false}},
+         0,
+         0,
+         &RunUnits},
+        {"items",
+         "items [--filter F]",
+         "list item types",
+         kItemsHelp,
+         {{"--filter", true, false}, {"--json", false, false}},
+         0,
+         0,
+         &RunItems},
+        {"filters",
+         "filters",
+         "list filters",
+         kFiltersHelp,
+         {{"--json", false, false}},
+         0,
+         0,
+         &RunFilters},
+        {"show",
+         "show NAME",
+         "everything known about a unit, item type or filter",
+         kShowHelp,
+         {{"--json", false, false}},
+         1,
+         1,
+         &RunShow},
+        {"includes",
+         "includes [--out DIR]",
+         "write the include files and the allowed-units report",
+         kIncludesHelp,
+         {{"--out", true, true}},
+         0,
+         0,
+         &RunIncludes},
+        {"check",
+         "check [SETUP] [--lang DIR]",
+         "find every problem of a setup file and its language files",
+         kCheckHelp,
+         {{"--lang", true, true}, {"--base-group", true, false}},
+         0,
+         1,
+         &RunCheck},
+        {"where",
+         "where",
+         "show which setup file and language files are used",
+         kWhereHelp,
+         {},
+         0,
+         0,
+         &RunWhere},
+    };
+    return commands;
+}
+
+const Command* FindCommand(const std::string& name) {
+    for (const Command& command : CommandTable())
+        if (name == command.name)
+            return &command;
+    return nullptr;
+}
+
+const std::vector<OptionDef>& DataOptions() {
+    static const std::vector<OptionDef> options = {{"--setup", true, false},
+                                                   {"--home", true, true}};
+    return options;
+}
+
+int PrintHelp(const Command* command) {
+    std::string text;
+    if (command == nullptr) {
+        text = kToolHelp;
+        for (const Command& entry : CommandTable()) {
+            char line[160];
+            std::snprintf(line, sizeof line, "  %-27s %s\n", entry.synopsis, entry.summary);
+            text += line;
+        }
+        text += "  help [COMMAND]              show this help or a command's help\n";
+        text += kToolHelpEnd;
+    } else {
+        text = command->help;
+    }
+    text += "\n";
+    text += kDataHelp;
+    // The check command tells its own exit statuses.
+    if (command == nullptr || command->run != &RunCheck) {
+        text += "\n";
+        text += kExitHelp;
+    }
+    std::fputs(text.c_str(), stdout);
     return kExitOk;
 }
 
-int UsageError(const std::string& command, const std::string& message) {
+int UsageError(const Command* command, const std::string& message) {
     std::fflush(stdout);
     std::fprintf(stderr, "xun: %s\nTry 'xun %s--help'.\n", message.c_str(),
-                 command.empty() ? "" : (command + " ").c_str());
+                 command == nullptr ? "" : (std::string(command->name) + " ").c_str());
     return kExitUsage;
 }
 
