@@ -1,5 +1,6 @@
 #include "langfile/UnitBaseGroup.h"
 
+#include <cstdlib>
 #include <new>
 
 #include "langfile/KeywordFile.h"
@@ -38,14 +39,33 @@ bool xunApplyBaseGroupFile_(CKVregistries& registries, const char* fileName,
     if (handle == nullptr && lrxOutOfMemory())
         throw std::bad_alloc();
     if (handle == nullptr) {
-        if (report.Observed())
-            report.Dropped(file, 0,
-                           std::string("the file is not loaded and changes nothing: ") +
-                               lrxGetErrorGlb());
+        if (report.Observed()) {
+            // The reader's reason is "<name>:<line>: <reason>" for a syntax
+            // error and "<name>: <reason>" otherwise.
+            std::string reason = lrxGetErrorGlb();
+            long line = 0;
+            if (reason.compare(0, file.size() + 1, file + ":") == 0) {
+                reason.erase(0, file.size() + 1);
+                char* end = nullptr;
+                const long number = std::strtol(reason.c_str(), &end, 10);
+                if (end != reason.c_str() && *end == ':') {
+                    line = number;
+                    reason.erase(0, static_cast<size_t>(end - reason.c_str()) + 1);
+                }
+                if (!reason.empty() && reason[0] == ' ')
+                    reason.erase(0, 1);
+            }
+            report.Dropped(file, line, "the file is not loaded and changes nothing: " + reason);
+        }
         lrxGetErrorGlb();
         return false;
     }
     const CLrxSection* section = lrxTargetByNameNum(handle, "Item_Unit", 1);
+    if (report.Observed() && section == nullptr)
+        report.Dropped(file, 0, "there is no section [Item_Unit]: the file changes nothing");
+    else if (report.Observed() && lrxKeywordByNameNum(section, "Data", 1) == nullptr)
+        report.Dropped(file, 0,
+                       "the section [Item_Unit] has no Data keyword: the file changes nothing");
     int number = 1;
     for (const CLrxKeyword* keyword = lrxKeywordByNameNum(section, "Data", number);
          keyword != nullptr; keyword = lrxKeywordByNameNum(section, "Data", ++number)) {

@@ -275,8 +275,7 @@ def test_base_group_files(run_python, tmp_path):
         f"DROPPED {unknown}:5: Data = 100, 0: no unit has this key; the assignment is skipped",
         "UnitFoot",
         f"FILE xunBaseGroupCheck: the file '{broken}' is not loaded",
-        f"{broken}: the file is not loaded and changes nothing: {broken}:3: neither a section "
-        "nor a keyword",
+        f"{broken}:3: the file is not loaded and changes nothing: neither a section nor a keyword",
         "UnitFoot",
     ]
 

@@ -115,8 +115,8 @@ TEST(ToolLoad, StopInLanguageFileEndsWithMessage) {
 
 TEST(ToolLoad, MalformedSetupFile) {
     EXPECT_TOOL(Xun({"--home", "nolang", "--setup", "check/malformed.xml", "units"}), 1, "",
-                "xun: cannot load setup file 'check/malformed.xml': the file cannot be read or is "
-                "not well-formed XML; a load refuses it\n");
+                "xun: cannot load setup file 'check/malformed.xml': not well-formed XML: "
+                "unterminated end tag 'R'; a load refuses the file\n");
 }
 
 TEST(ToolLoad, SetupFileIsADirectory) {
