@@ -263,11 +263,14 @@ class Checker:
         for folder in self.folders:
             for name, wanted in zip(LANG_FILES, keys):
                 path = os.path.join(folder, name)
+                stray = set()  # a unit key has two lines: reported once
                 with contextlib.suppress(OSError), open(path, encoding="utf-8", errors="replace") as f:
                     for n, line in enumerate(f, 1):
                         m = re.match(r'(\d+) "', line)
-                        if n > 2 and m and int(m.group(1)) not in wanted:
-                            self.problem("key %s names nothing of the setup file" % m.group(1), path="%s:%d" % (path, n))
+                        key = int(m.group(1)) if m and n > 2 else None
+                        if key is not None and key not in wanted and key not in stray:
+                            stray.add(key)
+                            self.problem("key %d names nothing of the setup file" % key, path="%s:%d" % (path, n))
             if not self.load(folder):
                 continue
             for u in self.units:
