@@ -12,26 +12,14 @@
 //               infinities, NaN, results that overflow or are subnormal
 //               included); under flush-to-zero and denormals-are-zero both
 //               see the same (normal) operands and flush the same result.
-//   Reciprocal  (the Reciprocal paths) each quotient is computed with the
-//               reciprocal y = 1 / f2 and one correction step with fused
-//               multiply-adds (Markstein's method) and then proven equal to
-//               the rounded quotient, element by element; an element whose
-//               proof fails is divided after all (ReciprocalQuotient and
-//               ReciprocalToFloat in ConversionKernelsLoops.h). Only used
-//               while the floating-point environment is the default one
-//               (round to nearest, no flush-to-zero, no denormals-are-zero).
 #include "registry/ConversionKernels.h"
 #include "registry/ConversionKernelsPlan.h"
 
 #include <atomic>
-#include <cmath>
 #include <cstddef>
 #include <cstdint>
 #include <cstring>
-#include <initializer_list>
 #include <type_traits>
-
-#include <xmmintrin.h>
 
 namespace {
 
@@ -52,27 +40,12 @@ bool HasExactReciprocal(double f2) {
     return (bits & 0xFFFFFFFFFFFFFull) == 0 && exponent != 0 && exponent < 0x7FE;
 }
 
-// Round to nearest, no flush-to-zero, no denormals-are-zero (the MXCSR bits
-// 13-14, 15 and 6 all clear).
-bool DefaultEnvironment() {
-    return (_mm_getcsr() & 0xE040u) == 0;
-}
-
-XunArrayPlan_ MakePlan(const XunConversion_& c, bool reciprocalPath) {
-    XunArrayPlan_ plan{c.fromFactor, c.fromOffset, c.toOffset,          c.toFactor,
-                       0.0,          0.0,          XunDivision_::Divide};
+XunArrayPlan_ MakePlan(const XunConversion_& c) {
+    XunArrayPlan_ plan{c.fromFactor, c.fromOffset, c.toOffset,
+                       c.toFactor,   0.0,          XunDivision_::Divide};
     if (HasExactReciprocal(c.toFactor)) {
         plan.division = XunDivision_::Multiply;
         plan.y = 1.0 / c.toFactor;
-    } else if (reciprocalPath && DefaultEnvironment() && std::fabs(c.toFactor) >= 0x1p-960 &&
-               std::fabs(c.toFactor) <= 0x1p1020) {
-        // A finite f2 and a normal y: zeros then come out of the method
-        // correctly signed (see ReciprocalQuotient), and y is 1 / f2 within a
-        // relative 2^-53 (see ReciprocalToFloat). |f2| >= 2^-960 keeps
-        // |f2| * 2^-53 exact, as the proof of the double quotient needs.
-        plan.division = XunDivision_::Reciprocal;
-        plan.y = 1.0 / c.toFactor;
-        plan.halfUlpF2 = std::fabs(c.toFactor) * 0x1p-53;
     }
     return plan;
 }
@@ -82,13 +55,12 @@ XunArrayPlan_ MakePlan(const XunConversion_& c, bool reciprocalPath) {
 
 // What the processor offers, asked once (thread-safe static initialisation).
 struct CpuFeatures {
-    bool avx2 = false;   // AVX2 and FMA
-    bool avx512 = false; // and AVX-512 F, VL and DQ
+    bool avx2 = false;
+    bool avx512 = false; // AVX-512 F and VL (and AVX2)
     CpuFeatures() {
         __builtin_cpu_init();
-        avx2 = __builtin_cpu_supports("avx2") && __builtin_cpu_supports("fma");
-        avx512 = avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl") &&
-                 __builtin_cpu_supports("avx512dq");
+        avx2 = __builtin_cpu_supports("avx2");
+        avx512 = avx2 && __builtin_cpu_supports("avx512f") && __builtin_cpu_supports("avx512vl");
     }
 };
 
@@ -102,17 +74,14 @@ enum class Needs { Nothing, Avx2, Avx512 };
 struct PathInfo {
     XunConversionPath_ path;
     Needs needs;
-    bool reciprocal; // whether the Reciprocal plan may be made
     const XunArrayLoops_* loops;
 };
 
 // Every path, the simplest first.
 const PathInfo kPaths[] = {
-    {XunConversionPath_::Baseline, Needs::Nothing, false, &xunSse2Loops_},
-    {XunConversionPath_::Avx2, Needs::Avx2, false, &xunAvx2Loops_},
-    {XunConversionPath_::Avx2Reciprocal, Needs::Avx2, true, &xunAvx2Loops_},
-    {XunConversionPath_::Avx512, Needs::Avx512, false, &xunAvx512Loops_},
-    {XunConversionPath_::Avx512Reciprocal, Needs::Avx512, true, &xunAvx512Loops_},
+    {XunConversionPath_::Baseline, Needs::Nothing, &xunSse2Loops_},
+    {XunConversionPath_::Avx2, Needs::Avx2, &xunAvx2Loops_},
+    {XunConversionPath_::Avx512, Needs::Avx512, &xunAvx512Loops_},
 };
 
 const PathInfo* Find(XunConversionPath_ path) {
@@ -134,17 +103,17 @@ bool Supported(const PathInfo& info) {
     return false;
 }
 
-// The automatic choice: the first supported path of this list, which is
-// ordered by the measurements of docs/kernels.md.
+// The automatic choice, made once: the widest supported path, the last of
+// kPaths that the processor supports. Each wider path was the fastest of the
+// paths its processors support where measured (docs/kernels.md); a choice by
+// measuring the supported paths would go here.
 const PathInfo& BestPath() {
-    static const PathInfo* const best = []() -> const PathInfo* {
-        for (XunConversionPath_ path : {XunConversionPath_::Avx512Reciprocal,
-                                        XunConversionPath_::Avx2, XunConversionPath_::Baseline}) {
-            const PathInfo* info = Find(path);
-            if (info != nullptr && Supported(*info))
-                return info;
-        }
-        return &kPaths[0];
+    static const PathInfo* const best = [] {
+        const PathInfo* widest = &kPaths[0];
+        for (const PathInfo& info : kPaths)
+            if (Supported(info))
+                widest = &info;
+        return widest;
     }();
     return *best;
 }
@@ -162,12 +131,12 @@ void ConvertArray(const XunConversion_& conversion, T* values, int count, T dele
     // No element compares below or above a NaN delete value: nothing to do.
     if (count < 1 || deleteValue != deleteValue)
         return;
-    const PathInfo& path = CurrentPath();
-    const XunArrayPlan_ plan = MakePlan(conversion, path.reciprocal);
+    const XunArrayLoops_& loops = *CurrentPath().loops;
+    const XunArrayPlan_ plan = MakePlan(conversion);
     if constexpr (std::is_same_v<T, double>)
-        path.loops->doubles(plan, values, static_cast<size_t>(count), deleteValue);
+        loops.doubles(plan, values, static_cast<size_t>(count), deleteValue);
     else
-        path.loops->floats(plan, values, static_cast<size_t>(count), deleteValue);
+        loops.floats(plan, values, static_cast<size_t>(count), deleteValue);
 }
 
 } // namespace

@@ -1,8 +1,8 @@
-// The array conversion loops for AVX2 with FMA: four doubles per vector.
-// The vector traits for ConversionKernelsLoops.h. Everything below the
-// pragma is compiled for AVX2 and FMA and runs only after the processor was
-// checked for them (ConversionKernels.cpp); the library as a whole stays
-// baseline x86-64.
+// The array conversion loops for AVX2, and its vector traits for
+// ConversionKernelsLoops.h: four doubles per vector. Everything below the
+// pragma is compiled for AVX2 and runs only after the processor was checked
+// for it (ConversionKernels.cpp); the library as a whole stays baseline
+// x86-64. The headers that the loops use come first, outside the pragma.
 #include "registry/ConversionKernelsPlan.h"
 
 #include <cstddef>
@@ -13,7 +13,7 @@
 #include <immintrin.h>
 
 #pragma GCC push_options
-#pragma GCC target("avx2,fma")
+#pragma GCC target("avx2")
 
 #include "registry/ConversionKernelsLoops.h"
 
@@ -21,36 +21,18 @@ namespace {
 
 struct Avx2 {
     static constexpr size_t kLanes = 4;
-    static constexpr bool kFusedMultiplyAdd = true;
     using D = __m256d;
     using F = __m128;
     using M = __m256d;
 
     static D Set(double v) { return _mm256_set1_pd(v); }
     static F Set(float v) { return _mm_set1_ps(v); }
-    static D SetBits(uint64_t bits) {
-        return _mm256_castsi256_pd(_mm256_set1_epi64x(static_cast<long long>(bits)));
-    }
     static D Add(D a, D b) { return _mm256_add_pd(a, b); }
     static D Sub(D a, D b) { return _mm256_sub_pd(a, b); }
     static D Mul(D a, D b) { return _mm256_mul_pd(a, b); }
     static D Div(D a, D b) { return _mm256_div_pd(a, b); }
-    static D MulAdd(D a, D b, D c) { return _mm256_fmadd_pd(a, b, c); }
-    static D NegMulAdd(D a, D b, D c) { return _mm256_fnmadd_pd(a, b, c); }
-    static D And(D a, D b) { return _mm256_and_pd(a, b); }
-    static D Or(D a, D b) { return _mm256_or_pd(a, b); }
-    static D AndNot(D a, D b) { return _mm256_andnot_pd(a, b); }
-    static D SubBits(D a, D b) {
-        return _mm256_castsi256_pd(
-            _mm256_sub_epi64(_mm256_castpd_si256(a), _mm256_castpd_si256(b)));
-    }
-    static M Less(D a, D b) { return _mm256_cmp_pd(a, b, _CMP_LT_OQ); }
-    static M IsZero(D a) { return _mm256_cmp_pd(a, _mm256_setzero_pd(), _CMP_EQ_OQ); }
     static M BelowOrAbove(D x, D del) { return _mm256_cmp_pd(x, del, _CMP_NEQ_OQ); }
     static __m128 BelowOrAbove(F x, F del) { return _mm_cmp_ps(x, del, _CMP_NEQ_OQ); }
-    static M MaskOr(M a, M b) { return _mm256_or_pd(a, b); }
-    static M MaskAndNot(M a, M b) { return _mm256_andnot_pd(a, b); }
-    static bool Any(M m) { return !_mm256_testz_pd(m, m); }
     static D Select(M m, D a, D b) { return _mm256_blendv_pd(b, a, m); }
 
     static D Widen(D x) { return x; }
@@ -89,6 +71,6 @@ struct Avx2 {
 
 } // namespace
 
-const XunArrayLoops_ xunAvx2Loops_ = LoopsOf<Avx2, 0, 0>();
+const XunArrayLoops_ xunAvx2Loops_ = LoopsOf<Avx2>();
 
 #pragma GCC pop_options

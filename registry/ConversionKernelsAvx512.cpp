@@ -1,8 +1,10 @@
-// The array conversion loops for AVX-512 (F, VL and DQ): eight doubles per
-// vector, mask registers for the delete value and for partial vectors. The
-// vector traits for ConversionKernelsLoops.h. Everything below the pragma is
-// compiled for AVX-512 and runs only after the processor was checked for it
-// (ConversionKernels.cpp); the library as a whole stays baseline x86-64.
+// The array conversion loops for AVX-512 (F and VL), and its vector traits
+// for ConversionKernelsLoops.h: eight doubles per vector, mask registers for
+// the delete value and for partial vectors (masked loads and stores).
+// Everything below the pragma is compiled for AVX-512 and runs only after the
+// processor was checked for it (ConversionKernels.cpp); the library as a
+// whole stays baseline x86-64. The headers that the loops use come first,
+// outside the pragma.
 #include "registry/ConversionKernelsPlan.h"
 
 #include <cstddef>
@@ -13,7 +15,7 @@
 #include <immintrin.h>
 
 #pragma GCC push_options
-#pragma GCC target("avx512f,avx512vl,avx512dq,avx2,fma")
+#pragma GCC target("avx512f,avx512vl")
 
 #include "registry/ConversionKernelsLoops.h"
 
@@ -21,37 +23,18 @@ namespace {
 
 struct Avx512 {
     static constexpr size_t kLanes = 8;
-    static constexpr bool kFusedMultiplyAdd = true;
     using D = __m512d;
     using F = __m256;
     using M = __mmask8;
 
     static D Set(double v) { return _mm512_set1_pd(v); }
     static F Set(float v) { return _mm256_set1_ps(v); }
-    static D SetBits(uint64_t bits) {
-        return _mm512_castsi512_pd(_mm512_set1_epi64(static_cast<long long>(bits)));
-    }
     static D Add(D a, D b) { return _mm512_add_pd(a, b); }
     static D Sub(D a, D b) { return _mm512_sub_pd(a, b); }
     static D Mul(D a, D b) { return _mm512_mul_pd(a, b); }
     static D Div(D a, D b) { return _mm512_div_pd(a, b); }
-    static D MulAdd(D a, D b, D c) { return _mm512_fmadd_pd(a, b, c); }
-    static D NegMulAdd(D a, D b, D c) { return _mm512_fnmadd_pd(a, b, c); }
-    static D And(D a, D b) { return _mm512_and_pd(a, b); }
-    static D Or(D a, D b) { return _mm512_or_pd(a, b); }
-    static D AndNot(D a, D b) { return _mm512_andnot_pd(a, b); }
-    static D SubBits(D a, D b) {
-        return _mm512_castsi512_pd(
-            _mm512_sub_epi64(_mm512_castpd_si512(a), _mm512_castpd_si512(b)));
-    }
-    static M Less(D a, D b) { return _mm512_cmp_pd_mask(a, b, _CMP_LT_OQ); }
-    static M IsZero(D a) { return _mm512_cmp_pd_mask(a, _mm512_setzero_pd(), _CMP_EQ_OQ); }
     static M BelowOrAbove(D x, D del) { return _mm512_cmp_pd_mask(x, del, _CMP_NEQ_OQ); }
     static M BelowOrAbove(F x, F del) { return _mm256_cmp_ps_mask(x, del, _CMP_NEQ_OQ); }
-    static M MaskOr(M a, M b) { return _kor_mask8(a, b); }
-    static M MaskAndNot(M a, M b) { return _kandn_mask8(a, b); }
-    static bool Any(M m) { return m != 0; }
-    static D Select(M m, D a, D b) { return _mm512_mask_blend_pd(m, b, a); }
 
     // (The zero-masking forms of the two conversions, with every lane set,
     // are the plain conversions without GCC's undefined-source placeholder.)
@@ -82,6 +65,6 @@ struct Avx512 {
 
 } // namespace
 
-const XunArrayLoops_ xunAvx512Loops_ = LoopsOf<Avx512, 3, 2>();
+const XunArrayLoops_ xunAvx512Loops_ = LoopsOf<Avx512>();
 
 #pragma GCC pop_options

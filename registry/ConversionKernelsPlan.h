@@ -5,13 +5,11 @@
 
 #include <cstddef>
 
-// How a call divides by the target factor f2 (made once per call, see
-// MakePlan in ConversionKernels.cpp).
+// How a call divides by the target factor f2 (MakePlan in
+// ConversionKernels.cpp).
 enum class XunDivision_ {
-    Divide,     // a true division of every element
-    Multiply,   // a multiplication by the exact reciprocal of a power of two
-    Reciprocal, // Markstein's method with a proof per element (default
-                // floating-point environment, instruction sets with FMA only)
+    Divide,   // a true division of every element
+    Multiply, // a multiplication by the exact reciprocal of a power of two
 };
 
 // The per-call constants of a conversion.
@@ -20,22 +18,20 @@ struct XunArrayPlan_ {
     double o1;
     double o2;
     double f2;
-    double y;         // 1 / f2 (exact for Multiply, rounded for Reciprocal)
-    double halfUlpF2; // |f2| * 2^-53 (Reciprocal)
+    double y; // 1 / f2, exact (Multiply only)
     XunDivision_ division;
 };
 
-// The loops of one path: they convert count >= 1 elements in place by the
-// plan, leaving every element that is not below or above the delete value (a
-// number, never NaN) as it is.
+// The loops of one instruction set: they convert count >= 1 elements in place
+// by the plan, leaving every element that is not below or above the delete
+// value (a number, never NaN) as it is.
 struct XunArrayLoops_ {
     void (*doubles)(const XunArrayPlan_& plan, double* values, size_t count, double deleteValue);
     void (*floats)(const XunArrayPlan_& plan, float* values, size_t count, float deleteValue);
 };
 
-// The loops of each instruction set. A path that allows the Reciprocal plan
-// and one that does not share them; the plan decides. The AVX2 and AVX-512
-// loops may only run where the processor has those instruction sets.
+// The loops of each instruction set. The AVX2 and AVX-512 ones may only run
+// where the processor has those instruction sets.
 extern const XunArrayLoops_ xunSse2Loops_;
 extern const XunArrayLoops_ xunAvx2Loops_;
 extern const XunArrayLoops_ xunAvx512Loops_;

@@ -19,7 +19,6 @@ namespace {
 
 struct Sse2 {
     static constexpr size_t kLanes = 4;
-    static constexpr bool kFusedMultiplyAdd = false;
     struct D {
         __m128d lo, hi;
     };
@@ -28,10 +27,6 @@ struct Sse2 {
 
     static D Set(double v) { return {_mm_set1_pd(v), _mm_set1_pd(v)}; }
     static F Set(float v) { return _mm_set1_ps(v); }
-    static D SetBits(uint64_t bits) {
-        const __m128d v = _mm_castsi128_pd(_mm_set1_epi64x(static_cast<long long>(bits)));
-        return {v, v};
-    }
     static D Add(D a, D b) { return {_mm_add_pd(a.lo, b.lo), _mm_add_pd(a.hi, b.hi)}; }
     static D Sub(D a, D b) { return {_mm_sub_pd(a.lo, b.lo), _mm_sub_pd(a.hi, b.hi)}; }
     static D Mul(D a, D b) { return {_mm_mul_pd(a.lo, b.lo), _mm_mul_pd(a.hi, b.hi)}; }
@@ -106,4 +101,4 @@ struct Sse2 {
 
 } // namespace
 
-const XunArrayLoops_ xunSse2Loops_ = LoopsOf<Sse2, 0, 0>();
+const XunArrayLoops_ xunSse2Loops_ = LoopsOf<Sse2>();
