@@ -1,14 +1,14 @@
-// Every variant of the array conversion loops (registry/ConversionKernels.h),
+// Every path of the array conversion loops (registry/ConversionKernels.h),
 // forced in turn, against the stepwise evaluation of the formula, bit for
 // bit: random conversions and values of every kind (random bit patterns
 // included), and hand-picked hard cases - divisors with all-ones
 // significands, quotients at the overflow and subnormal thresholds, signed
 // zeros, infinities, NaN payloads, values next to the delete value, every
 // short length and misaligned start, large arrays (the prefetching loops),
-// directed rounding and flush-to-zero modes. A variant the processor lacks is
+// directed rounding and flush-to-zero modes. A path the processor lacks is
 // skipped.
 //
-// The number of random values per variant and element type is 10^7; the
+// The number of random values per path and element type is 10^7; the
 // environment variable XUN_CONVERSION_TEST_VALUES sets another (for example
 // 100000000 for a longer run by hand).
 #include <gtest/gtest.h>
@@ -41,12 +41,8 @@ const char* PathName(Path path) {
         return "Baseline";
     case Path::Avx2:
         return "Avx2";
-    case Path::Avx2Reciprocal:
-        return "Avx2Reciprocal";
     case Path::Avx512:
         return "Avx512";
-    case Path::Avx512Reciprocal:
-        return "Avx512Reciprocal";
     }
     return "?";
 }
@@ -236,7 +232,7 @@ size_t RandomValueCount() {
     return 10000000;
 }
 
-// --- the fixture: one test per variant ----------------------------------------
+// --- the fixture: one test per path -------------------------------------------
 
 class ConversionPath : public testing::TestWithParam<Path> {
   protected:
@@ -539,8 +535,8 @@ TEST_P(ConversionPath, LargeArrays) {
     }
 }
 
-// Directed rounding, flush-to-zero and denormals-are-zero: the variants fall
-// back to the stepwise operations and still agree with them.
+// Directed rounding, flush-to-zero and denormals-are-zero: every path still
+// agrees with the stepwise operations.
 TEST_P(ConversionPath, OtherFloatingPointModes) {
     Numbers numbers(7);
     const unsigned modes[] = {0x2000u /* down */,
@@ -570,7 +566,7 @@ TEST_P(ConversionPath, OtherFloatingPointModes) {
 
 // Factors at both ends of the double range, in every floating-point
 // environment a host may set (rounding modes, flush-to-zero,
-// denormals-are-zero and their combinations): no variant may use a
+// denormals-are-zero and their combinations): no path may use a
 // reciprocal or any other intermediate that such a mode changes. A divisor
 // of +-2^1023 has the subnormal reciprocal 2^-1023, which flush-to-zero and
 // denormals-are-zero turn into 0.
@@ -640,17 +636,16 @@ TEST_P(ConversionPath, ExtremeFactorsInEveryEnvironment) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Variants, ConversionPath,
-                         testing::Values(Path::Baseline, Path::Avx2, Path::Avx2Reciprocal,
-                                         Path::Avx512, Path::Avx512Reciprocal),
+                         testing::Values(Path::Baseline, Path::Avx2, Path::Avx512),
                          [](const testing::TestParamInfo<Path>& info) {
                              return std::string(PathName(info.param));
                          });
 
-TEST(ConversionPathSelection, AutoPicksTheFastestSupportedVariant) {
+TEST(ConversionPathSelection, AutoPicksTheWidestSupportedPath) {
     ASSERT_TRUE(xunSetConversionPath_(Path::Auto));
     const Path chosen = xunConversionPathInUse_();
-    if (xunConversionPathSupported_(Path::Avx512Reciprocal))
-        EXPECT_EQ(chosen, Path::Avx512Reciprocal);
+    if (xunConversionPathSupported_(Path::Avx512))
+        EXPECT_EQ(chosen, Path::Avx512);
     else if (xunConversionPathSupported_(Path::Avx2))
         EXPECT_EQ(chosen, Path::Avx2);
     else
@@ -658,7 +653,7 @@ TEST(ConversionPathSelection, AutoPicksTheFastestSupportedVariant) {
     EXPECT_TRUE(xunConversionPathSupported_(Path::Baseline));
 }
 
-TEST(ConversionPathSelection, UnsupportedVariantIsRefused) {
+TEST(ConversionPathSelection, UnsupportedPathIsRefused) {
     ASSERT_TRUE(xunSetConversionPath_(Path::Baseline));
     for (Path path : {Path::Avx2, Path::Avx512}) {
         if (!xunConversionPathSupported_(path)) {
