@@ -55,6 +55,21 @@ int ConvertArray(const char* function, int fromTag, int toTag, T* values, int co
     return 1;
 }
 
+// An array to (toUser) or from the user unit of an item type.
+template <class T>
+int ConvertArrayUser(const char* function, int itemKey, int otherTag, bool toUser, T* values,
+                     int count, T deleteValue) {
+    return Guard(function, 0, [&] {
+        int userUnit = -1;
+        if (!FindUserUnit(function, itemKey, userUnit))
+            return 0;
+        if (userUnit == -1)
+            return NoUserUnit(function, itemKey);
+        return toUser ? ConvertArray(function, otherTag, userUnit, values, count, deleteValue)
+                      : ConvertArray(function, userUnit, otherTag, values, count, deleteValue);
+    });
+}
+
 } // namespace
 
 extern "C" {
@@ -128,54 +143,26 @@ int xunConvertFromUserUnit(int itemKey, int toTag, double* result, double value)
 
 int xunConvertItemArrayToUserUnitD(int itemKey, int fromTag, double* values, int count,
                                    double deleteValue) {
-    return Guard("xunConvertItemArrayToUserUnitD", 0, [&] {
-        int userUnit = -1;
-        if (!FindUserUnit("xunConvertItemArrayToUserUnitD", itemKey, userUnit))
-            return 0;
-        if (userUnit == -1)
-            return NoUserUnit("xunConvertItemArrayToUserUnitD", itemKey);
-        return ConvertArray("xunConvertItemArrayToUserUnitD", fromTag, userUnit, values, count,
+    return ConvertArrayUser("xunConvertItemArrayToUserUnitD", itemKey, fromTag, true, values, count,
                             deleteValue);
-    });
 }
 
 int xunConvertItemArrayToUserUnitF(int itemKey, int fromTag, float* values, int count,
                                    float deleteValue) {
-    return Guard("xunConvertItemArrayToUserUnitF", 0, [&] {
-        int userUnit = -1;
-        if (!FindUserUnit("xunConvertItemArrayToUserUnitF", itemKey, userUnit))
-            return 0;
-        if (userUnit == -1)
-            return NoUserUnit("xunConvertItemArrayToUserUnitF", itemKey);
-        return ConvertArray("xunConvertItemArrayToUserUnitF", fromTag, userUnit, values, count,
+    return ConvertArrayUser("xunConvertItemArrayToUserUnitF", itemKey, fromTag, true, values, count,
                             deleteValue);
-    });
 }
 
 int xunConvertItemArrayFromUserUnitD(int itemKey, int toTag, double* values, int count,
                                      double deleteValue) {
-    return Guard("xunConvertItemArrayFromUserUnitD", 0, [&] {
-        int userUnit = -1;
-        if (!FindUserUnit("xunConvertItemArrayFromUserUnitD", itemKey, userUnit))
-            return 0;
-        if (userUnit == -1)
-            return NoUserUnit("xunConvertItemArrayFromUserUnitD", itemKey);
-        return ConvertArray("xunConvertItemArrayFromUserUnitD", userUnit, toTag, values, count,
-                            deleteValue);
-    });
+    return ConvertArrayUser("xunConvertItemArrayFromUserUnitD", itemKey, toTag, false, values,
+                            count, deleteValue);
 }
 
 int xunConvertItemArrayFromUserUnitF(int itemKey, int toTag, float* values, int count,
                                      float deleteValue) {
-    return Guard("xunConvertItemArrayFromUserUnitF", 0, [&] {
-        int userUnit = -1;
-        if (!FindUserUnit("xunConvertItemArrayFromUserUnitF", itemKey, userUnit))
-            return 0;
-        if (userUnit == -1)
-            return NoUserUnit("xunConvertItemArrayFromUserUnitF", itemKey);
-        return ConvertArray("xunConvertItemArrayFromUserUnitF", userUnit, toTag, values, count,
-                            deleteValue);
-    });
+    return ConvertArrayUser("xunConvertItemArrayFromUserUnitF", itemKey, toTag, false, values,
+                            count, deleteValue);
 }
 
 } // extern "C"

@@ -139,7 +139,7 @@ FILE* Open_(const char* path) {
 
 } // namespace
 
-bool CKVLangFile::OpenLangTypeFile(char* path) {
+bool CKVLangFile::OpenWithHeader(char* path, FILE*& stream) {
     FILE* file = Open_(path);
     if (file == nullptr)
         return false;
@@ -149,7 +149,13 @@ bool CKVLangFile::OpenLangTypeFile(char* path) {
         std::fclose(file);
         return false;
     }
-    m_pTypeFile = file;
+    stream = file;
+    return true;
+}
+
+bool CKVLangFile::OpenLangTypeFile(char* path) {
+    if (!OpenWithHeader(path, m_pTypeFile))
+        return false;
     SetTypeMap();
     return true;
 }
@@ -178,13 +184,13 @@ bool CKVLangFile::SetTypeMap() {
         if (m_TypeIterator != m_xunTypeMap.end()) {
             if (m_pReport != nullptr) {
                 const std::string first = std::to_string(m_keyLines[key]);
-                m_pReport->Fatal(
-                    kTypeKeyDuplicate, m_strFileName, read.line,
-                    scanned < 1 ? "the line does not read as KEY \"TEXT\" and repeats key " +
-                                      std::to_string(key) + " of line " + first +
-                                      "; loading would stop"
-                                : "duplicate key " + std::to_string(key) + " (first on line " +
-                                      first + "); loading would stop");
+                m_pReport->Fatal(kTypeKeyDuplicate, m_strFileName, read.line,
+                                 scanned < 1
+                                     ? "the line does not read as KEY \"TEXT\" and repeats key " +
+                                           std::to_string(key) + " of line " + first +
+                                           "; loading would stop"
+                                     : "duplicate key " + std::to_string(key) + " (first on line " +
+                                           first + "); loading would stop");
                 // Only a check comes back here: the entry is skipped.
                 continue;
             }
@@ -213,16 +219,8 @@ bool CKVLangFile::CloseLangTypeFile() {
 }
 
 bool CKVLangFile::OpenLangUnitFile(char* path) {
-    FILE* file = Open_(path);
-    if (file == nullptr)
+    if (!OpenWithHeader(path, m_pUnitFile))
         return false;
-    char line[kLineBufferSize] = {};
-    Read read;
-    if (!ReadLine(file, line, read) || !ReadLine(file, line, read)) {
-        std::fclose(file);
-        return false;
-    }
-    m_pUnitFile = file;
     SetUnitMap();
     return true;
 }
@@ -289,9 +287,11 @@ bool CKVLangFile::SetUnitMap() {
         }
         if (m_bHolding) {
             m_bHolding = false;
-            std::stable_sort(m_held.begin(), m_held.end(),
-                             [](const std::pair<long, std::string>& x,
-                                const std::pair<long, std::string>& y) { return x.first < y.first; });
+            std::stable_sort(
+                m_held.begin(), m_held.end(),
+                [](const std::pair<long, std::string>& x, const std::pair<long, std::string>& y) {
+                    return x.first < y.first;
+                });
             for (const std::pair<long, std::string>& held : m_held)
                 Report(held.first, held.second);
             m_held.clear();

@@ -96,6 +96,9 @@ class CKVLangFile {
 
   private:
     struct Read;
+    // Opens path and reads its two header lines; on success the stream goes
+    // to stream, otherwise the file is closed again and stream left as it was.
+    bool OpenWithHeader(char* path, FILE*& stream);
     bool ReadLine(FILE* file, char (&line)[xun::contract::kLangLineBufferSize], Read& read);
     void CheckText(const char* line, long lineNumber, int scanned, int key, bool longLine,
                    const char* format);
@@ -103,7 +106,7 @@ class CKVLangFile {
 
     CXunLoadReport* m_pReport = nullptr;
     std::string m_strFileName;
-    long m_nNextLine = 1;    // the physical line the next read starts on
+    long m_nNextLine = 1; // the physical line the next read starts on
     bool m_bInLongLine = false;
     long m_nLastLine = 0;
     long m_nEndLine = 0;

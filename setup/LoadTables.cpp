@@ -35,22 +35,25 @@ std::string Named(const char* kind, long key, const std::string& ident) {
     return std::string(kind) + " " + std::to_string(key) + " '" + ident + "'";
 }
 
-void ApplyItemTypeTexts(CKVregistries& registries, const std::string& fileName,
-                        CXunLoadReport& report) {
+// The texts of a type file (item types, filters: one text per key) for
+// every object of a registry.
+template <class Objects, class KeyOf, class SetText>
+void ApplyTypeTexts(const Objects& objects, const char* kind, const std::string& fileName,
+                    CXunLoadReport& report, KeyOf keyOf, SetText setText) {
     CKVLangFile file;
     file.SetReport(&report, fileName);
     std::vector<char> name = NameBuffer(fileName);
     if (!file.OpenLangTypeFile(name.data()))
         return Skipped(report, fileName);
-    for (CKVitemType* item : registries.itemTypes) {
-        const int key = static_cast<int>(item->m_nNumId);
+    for (auto* object : objects) {
+        const int key = keyOf(*object);
         if (!file.HasTypeKey(key)) {
             report.Fatal(kTypeKeyMissing, fileName, file.EndLine(),
-                         "no text for " + Named("item type", key, item->m_strIdent) +
+                         "no text for " + Named(kind, key, object->m_strIdent) +
                              "; loading would stop");
             continue;
         }
-        item->m_strKey = file.LoadTypeString(key);
+        setText(*object, file.LoadTypeString(key));
     }
     file.CloseLangTypeFile();
 }
@@ -75,32 +78,18 @@ void ApplyUnitTexts(CKVregistries& registries, const std::string& fileName,
     file.CloseLangUnitFile();
 }
 
-void ApplyFilterTexts(CKVregistries& registries, const std::string& fileName,
-                      CXunLoadReport& report) {
-    // The filter file has the format of the item-type file.
-    CKVLangFile file;
-    file.SetReport(&report, fileName);
-    std::vector<char> name = NameBuffer(fileName);
-    if (!file.OpenLangTypeFile(name.data()))
-        return Skipped(report, fileName);
-    for (CKVfilter* filter : registries.filters) {
-        const int key = static_cast<int>(static_cast<long>(*filter));
-        if (!file.HasTypeKey(key)) {
-            report.Fatal(kTypeKeyMissing, fileName, file.EndLine(),
-                         "no text for " + Named("filter", key, filter->m_strIdent) +
-                             "; loading would stop");
-            continue;
-        }
-        filter->m_strKey = file.LoadTypeString(key);
-    }
-    file.CloseLangTypeFile();
-}
-
 } // namespace
 
 void xunApplyLanguageFiles_(CKVregistries& registries, const std::string& dir,
                             CXunLoadReport& report) {
-    ApplyItemTypeTexts(registries, dir + "xuntype" + ".lan", report);
+    ApplyTypeTexts(
+        registries.itemTypes, "item type", dir + "xuntype" + ".lan", report,
+        [](const CKVitemType& item) { return static_cast<int>(item.m_nNumId); },
+        [](CKVitemType& item, std::string text) { item.m_strKey = std::move(text); });
     ApplyUnitTexts(registries, dir + "xununit" + ".lan", report);
-    ApplyFilterTexts(registries, dir + "xunfilter" + ".lan", report);
+    // The filter file has the format of the item-type file.
+    ApplyTypeTexts(
+        registries.filters, "filter", dir + "xunfilter" + ".lan", report,
+        [](const CKVfilter& filter) { return static_cast<int>(static_cast<long>(filter)); },
+        [](CKVfilter& filter, std::string text) { filter.m_strKey = std::move(text); });
 }

@@ -126,8 +126,12 @@ XunDerived xunDerivePower_(const IUnitSet& units, long unit, double power, int* 
     return FindDerived(units, d, matchKey, eqvKey, factor);
 }
 
-XunDerived xunDeriveProduct_(const IUnitSet& units, long unit1, long unit2, int* matchKey,
-                             int* eqvKey, double* factor) {
+namespace {
+
+// The product or quotient of two registered units, searched for.
+template <class Combine>
+XunDerived DeriveFromTwo(const IUnitSet& units, long unit1, long unit2, int* matchKey, int* eqvKey,
+                         double* factor, Combine combine) {
     Start(matchKey, eqvKey, factor);
     const CKVunit* u1 = units.FindUnitByKey(unit1);
     const CKVunit* u2 = units.FindUnitByKey(unit2);
@@ -135,21 +139,22 @@ XunDerived xunDeriveProduct_(const IUnitSet& units, long unit1, long unit2, int*
         return XunDerived::UnknownFirst;
     if (u2 == nullptr)
         return XunDerived::UnknownSecond;
-    const CKVunit d(*u1 * *u2);
+    const CKVunit d(combine(*u1, *u2));
     return FindDerived(units, d, matchKey, eqvKey, factor);
+}
+
+} // namespace
+
+XunDerived xunDeriveProduct_(const IUnitSet& units, long unit1, long unit2, int* matchKey,
+                             int* eqvKey, double* factor) {
+    return DeriveFromTwo(units, unit1, unit2, matchKey, eqvKey, factor,
+                         [](const CKVunit& a, const CKVunit& b) { return a * b; });
 }
 
 XunDerived xunDeriveQuotient_(const IUnitSet& units, long unit1, long unit2, int* matchKey,
                               int* eqvKey, double* factor) {
-    Start(matchKey, eqvKey, factor);
-    const CKVunit* u1 = units.FindUnitByKey(unit1);
-    const CKVunit* u2 = units.FindUnitByKey(unit2);
-    if (u1 == nullptr)
-        return XunDerived::UnknownFirst;
-    if (u2 == nullptr)
-        return XunDerived::UnknownSecond;
-    const CKVunit d(*u1 / *u2);
-    return FindDerived(units, d, matchKey, eqvKey, factor);
+    return DeriveFromTwo(units, unit1, unit2, matchKey, eqvKey, factor,
+                         [](const CKVunit& a, const CKVunit& b) { return a / b; });
 }
 
 XunDerived xunIntegrationFactor_(const IUnitSet& units, long unit, long variable, int* resultKey,
