@@ -12,8 +12,14 @@
 
 #include <immintrin.h>
 
+// GCC takes the target as a pragma; clang (the fuzz build) as an attribute
+// applied to every function declared up to the matching pop.
+#if defined(__clang__)
+#pragma clang attribute push(__attribute__((target("avx2"))), apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx2")
+#endif
 
 #include "registry/ConversionKernelsLoops.h"
 
@@ -73,4 +79,8 @@ struct Avx2 {
 
 const XunArrayLoops_ xunAvx2Loops_ = LoopsOf<Avx2>();
 
+#if defined(__clang__)
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif

@@ -14,8 +14,14 @@
 
 #include <immintrin.h>
 
+// GCC takes the target as a pragma; clang (the fuzz build) as an attribute
+// applied to every function declared up to the matching pop.
+#if defined(__clang__)
+#pragma clang attribute push(__attribute__((target("avx512f,avx512vl"))), apply_to = function)
+#else
 #pragma GCC push_options
 #pragma GCC target("avx512f,avx512vl")
+#endif
 
 #include "registry/ConversionKernelsLoops.h"
 
@@ -67,4 +73,8 @@ struct Avx512 {
 
 const XunArrayLoops_ xunAvx512Loops_ = LoopsOf<Avx512>();
 
+#if defined(__clang__)
+#pragma clang attribute pop
+#else
 #pragma GCC pop_options
+#endif
