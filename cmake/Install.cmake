@@ -5,6 +5,8 @@
 #   <prefix>/include/xun.h, <prefix>/include/SmartPtr
 #   <prefix>/bin/xun                          (when the tool is part of the build)
 #   <prefix>/share/xun/bin/, share/xun/lang/  (KORVANE_HOME=<prefix>/share/xun)
+#   <prefix>/share/xun/fortran/xun.f90, share/xun/pascal/xun.pas, share/xun/csharp/Xun.cs
+#   <prefix>/lib/xun/fortran/xun.mod, libxunfortran.a  (when the build has gfortran)
 #   <prefix>/lib/pkgconfig/xun.pc
 #   <prefix>/lib/cmake/xun/xunConfig.cmake, xunConfigVersion.cmake, xunTargets*.cmake
 #
@@ -46,6 +48,22 @@ install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/bin ${PROJECT_SOURCE_DIR}/data/lang
   DESTINATION ${XUN_INSTALL_DATADIR}
   COMPONENT Runtime)
 
+# The language bindings, as sources beside the default installation, and the
+# Fortran module compiled for the build's compiler (its .mod file and the
+# archive of its wrappers) under lib/xun/fortran.
+install(FILES ${PROJECT_SOURCE_DIR}/bindings/fortran/xun.f90
+  DESTINATION ${XUN_INSTALL_DATADIR}/fortran COMPONENT Development)
+install(FILES ${PROJECT_SOURCE_DIR}/bindings/pascal/xun.pas
+  DESTINATION ${XUN_INSTALL_DATADIR}/pascal COMPONENT Development)
+install(FILES ${PROJECT_SOURCE_DIR}/bindings/csharp/Xun.cs
+  DESTINATION ${XUN_INSTALL_DATADIR}/csharp COMPONENT Development)
+if(TARGET xunfortran)
+  install(TARGETS xunfortran
+    ARCHIVE DESTINATION ${XUN_INSTALL_FORTRANMODDIR} COMPONENT Development)
+  install(FILES ${PROJECT_BINARY_DIR}/bindings/fortran/module/xun.mod
+    DESTINATION ${XUN_INSTALL_FORTRANMODDIR} COMPONENT Development)
+endif()
+
 # pkg-config: the prefix is found from the file's own place (${pcfiledir}), so
 # the file stays right for any --prefix given at install time.
 if(IS_ABSOLUTE "${XUN_INSTALL_PKGCONFIGDIR}" OR IS_ABSOLUTE "${CMAKE_INSTALL_LIBDIR}"
@@ -66,6 +84,11 @@ else()
   set(XUN_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
   set(XUN_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
   set(XUN_PC_HOME "\${prefix}/${XUN_INSTALL_DATADIR}")
+endif()
+if(IS_ABSOLUTE "${XUN_INSTALL_FORTRANMODDIR}")
+  set(XUN_PC_FORTRANMODDIR "${XUN_INSTALL_FORTRANMODDIR}")
+else()
+  set(XUN_PC_FORTRANMODDIR "\${prefix}/${XUN_INSTALL_FORTRANMODDIR}")
 endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/xun.pc.in ${PROJECT_BINARY_DIR}/xun.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/xun.pc

@@ -2,7 +2,8 @@
 # Installs the build into a temporary prefix, then builds and runs client
 # programs against the installed files only, each in a directory outside the
 # source tree: C through pkg-config, C++ through find_package(xun), Fortran and
-# Pascal through the generated include files, Python through the ctypes package.
+# Pascal through the installed bindings and the generated include files,
+# Python through the ctypes package.
 #
 # usage: install_test.sh STEP
 #   setup    cmake --install into a new temporary prefix (its path goes to $XUN_STATE)
@@ -14,7 +15,7 @@
 # Environment (set by tests/install/CMakeLists.txt): XUN_STATE, XUN_BUILD_DIR,
 # XUN_SOURCE_DIR, XUN_CMAKE, XUN_CC, XUN_CXX, XUN_VERSION, XUN_LIBDIR,
 # XUN_INCLUDEDIR, XUN_BINDIR, XUN_DATADIR, XUN_PKGCONFIGDIR, XUN_CMAKEDIR,
-# XUN_TOOL (1 when the build has the xun tool), XUN_PYTHON.
+# XUN_FORTRANMODDIR, XUN_TOOL (1 when the build has the xun tool), XUN_PYTHON.
 set -eu
 
 step=$1
@@ -69,6 +70,7 @@ root=$(cat "$XUN_STATE")
 prefix=$root/stage$install_prefix
 libdir=$prefix/$XUN_LIBDIR
 home=$prefix/$XUN_DATADIR
+moddir=$prefix/$XUN_FORTRANMODDIR
 
 case $step in
 cleanup)
@@ -99,7 +101,14 @@ layout)
     cmp "$src/include/SmartPtr" "$prefix/$XUN_INCLUDEDIR/SmartPtr" || fail "SmartPtr"
     diff -r "$src/data/bin" "$home/bin" || fail "data/bin differs from $home/bin"
     diff -r "$src/data/lang" "$home/lang" || fail "data/lang differs from $home/lang"
-    [ "$(ls "$home")" = "$(printf 'bin\nlang')" ] || fail "unexpected files in $home: $(ls "$home")"
+    [ "$(ls "$home")" = "$(printf 'bin\ncsharp\nfortran\nlang\npascal')" ] ||
+        fail "unexpected files in $home: $(ls "$home")"
+    # The language bindings as sources, and the Fortran module compiled.
+    cmp "$src/bindings/fortran/xun.f90" "$home/fortran/xun.f90" || fail "fortran/xun.f90"
+    cmp "$src/bindings/pascal/xun.pas" "$home/pascal/xun.pas" || fail "pascal/xun.pas"
+    cmp "$src/bindings/csharp/Xun.cs" "$home/csharp/Xun.cs" || fail "csharp/Xun.cs"
+    [ "$(ls "$moddir")" = "$(printf 'libxunfortran.a\nxun.mod')" ] ||
+        fail "unexpected files in $moddir: $(ls "$moddir" 2>&1)"
     # Package files, none of which names the source or build tree.
     for f in "$prefix/$XUN_PKGCONFIGDIR/xun.pc" "$prefix/$XUN_CMAKEDIR/xunConfig.cmake" \
         "$prefix/$XUN_CMAKEDIR/xunConfigVersion.cmake" "$prefix/$XUN_CMAKEDIR/xunTargets.cmake"; do
@@ -187,17 +196,19 @@ fortran)
     mkdir -p "$work"
     cp "$src/examples/fortran/"*.f90 "$src/tests/install/check_fortran.f90" "$work/"
     cd "$work"
-    link="-L$libdir -Wl,-rpath,$libdir -lxun"
-    quiet gfortran -std=f2008 -Wall -Wextra -Werror -c xun.f90
+    # The installed source of the module compiles on its own.
+    quiet gfortran -std=f2008 -Wall -Wextra -Werror -c "$home/fortran/xun.f90" -o xun_source.o
+    # The programs use the installed compiled module.
+    link="-I$moddir -L$moddir -lxunfortran -L$libdir -Wl,-rpath,$libdir -lxun"
     # shellcheck disable=SC2086 # the link flags are words
-    quiet gfortran -std=f2008 -Wall -Werror write_defines.f90 xun.o -o write_defines $link
+    quiet gfortran -std=f2008 -Wall -Werror write_defines.f90 -o write_defines $link
     KORVANE_HOME=$home ./write_defines || fail "write_defines"
     [ -s xunDefine.f__ ] || fail "the library wrote no xunDefine.f__"
     # shellcheck disable=SC2086
-    quiet gfortran -std=f2008 -Wall -Werror -I. check_fortran.f90 xun.o -o check_fortran $link
+    quiet gfortran -std=f2008 -Wall -Werror -I. check_fortran.f90 -o check_fortran $link
     KORVANE_HOME=$home ./check_fortran || fail "check_fortran"
     # shellcheck disable=SC2086
-    quiet gfortran -std=f2008 -Wall -Werror -I. convert.f90 xun.o -o convert $link
+    quiet gfortran -std=f2008 -Wall -Werror -I. convert.f90 -o convert $link
     expect_output "Fortran example" \
         "100 cubic foot per second = 2.831685 cubic meter per second" \
         env KORVANE_HOME="$home" ./convert
@@ -210,7 +221,8 @@ pascal)
     mkdir -p "$work"
     cp "$src/examples/pascal/"*.pas "$src/tests/install/check_pascal.pas" "$work/"
     cd "$work"
-    fpc_flags="-v0 -Sew -Fl$libdir -k-rpath -k$libdir -Fi. -Fu."
+    # The unit comes from the installation; its compiled files go to the work directory.
+    fpc_flags="-v0 -Sew -Fl$libdir -k-rpath -k$libdir -Fi. -Fu$home/pascal -FU$work"
     # shellcheck disable=SC2086 # the flags are words
     quiet fpc $fpc_flags write_defines.pas
     KORVANE_HOME=$home ./write_defines || fail "write_defines"
