@@ -12,8 +12,9 @@
 #
 # Every installed file refers to the others by relative paths, so the tree may be
 # installed with `cmake --install <build> --prefix <dir>` and moved afterwards.
-# Components: "Runtime" (library, tool, data) and "Development" (headers, the
-# libxun.so link, pkg-config file and CMake package).
+# Components: "Runtime" (library and data), "Tools" (the xun tool) and
+# "Development" (headers, the libxun.so link, pkg-config file, CMake package
+# and language bindings); cmake/Package.cmake makes a Debian package of each.
 include(${CMAKE_CURRENT_LIST_DIR}/InstallDirs.cmake)
 include(CMakePackageConfigHelpers)
 
@@ -39,7 +40,7 @@ if(XUN_TOOL_TARGET)
   # directory relative to its own place, so the tree may be moved.
   file(RELATIVE_PATH _xun_bin_to_lib "/prefix/${CMAKE_INSTALL_BINDIR}" "/prefix/${CMAKE_INSTALL_LIBDIR}")
   set_target_properties(${XUN_TOOL_TARGET} PROPERTIES INSTALL_RPATH "$ORIGIN/${_xun_bin_to_lib}")
-  install(TARGETS ${XUN_TOOL_TARGET} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime)
+  install(TARGETS ${XUN_TOOL_TARGET} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Tools)
 endif()
 
 # The default installation: setup file and active language files in bin/, every
