@@ -13,7 +13,7 @@ usage: check_complete.py HEADER FORTRAN PASCAL CSHARP PYTHON_PACKAGE_DIR
 Exit status 0 when complete; 1 with a list of what is missing or extra.
 """
 
-import importlib.util
+import importlib
 import os
 import re
 import sys
@@ -94,22 +94,12 @@ def csharp_symbols(path):
 
 
 def python_symbols(package_dir):
-    path = os.path.join(package_dir, "_native.py")
-    # _native.py imports its siblings relatively: load it as part of its package.
+    """The names in PROTOTYPES of the package's _native.py (the package is
+    imported from package_dir; the library itself is loaded on first use
+    only, so it is not needed here)."""
     sys.path.insert(0, os.path.dirname(os.path.abspath(package_dir)))
-    spec = importlib.util.spec_from_file_location(
-        "xun._native", path, submodule_search_locations=None
-    )
-    package_spec = importlib.util.spec_from_file_location(
-        "xun", os.path.join(package_dir, "__init__.py"),
-        submodule_search_locations=[package_dir],
-    )
-    package = importlib.util.module_from_spec(package_spec)
-    sys.modules["xun"] = package
-    module = importlib.util.module_from_spec(spec)
-    sys.modules["xun._native"] = module
-    spec.loader.exec_module(module)
-    return list(module.PROTOTYPES)
+    native = importlib.import_module(os.path.basename(os.path.abspath(package_dir)) + "._native")
+    return list(native.PROTOTYPES)
 
 
 def compare(language, symbols, c_names, cxx_names, with_cxx=True):
