@@ -253,7 +253,7 @@ begin
   if text = nil then
     Result := ''
   else
-    Result := StrPas(text);
+    Result := string(text);
 end;
 
 procedure c_free(p: Pointer); cdecl; external 'c' name 'free';
