@@ -18,6 +18,9 @@ set(CPACK_PACKAGE_CONTACT "libxun maintainers <maintainers@libxun.invalid>")
 set(CPACK_PACKAGE_VERSION ${PROJECT_VERSION})
 set(CPACK_PACKAGING_INSTALL_PREFIX /usr)
 set(CPACK_GENERATOR DEB)
+# The build may carry debug information (RelWithDebInfo): the packaged
+# library and tool do not.
+set(CPACK_STRIP_FILES ON)
 
 set(CPACK_DEB_COMPONENT_INSTALL ON)
 set(CPACK_COMPONENTS_ALL Runtime Development)

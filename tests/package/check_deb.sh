@@ -78,6 +78,10 @@ root=$work/root
 for deb in "$runtime" "$dev" "$tools"; do
     dpkg -x "$deb" "$root"
 done
+# The library and the tool are packaged without debug information.
+for binary in "$root/usr/lib/libxun.so.$version" "$root/usr/bin/xun"; do
+    ! readelf -S "$binary" | grep -q '\.debug_info' || fail "$binary keeps its debug information"
+done
 export PKG_CONFIG_PATH="$root/usr/lib/pkgconfig"
 [ "$(pkg-config --modversion xun)" = "$version" ] || fail "pkg-config --modversion xun"
 libdir=$(pkg-config --variable=libdir xun)
