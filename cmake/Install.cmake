@@ -5,13 +5,16 @@
 #   <prefix>/include/xun.h, <prefix>/include/SmartPtr
 #   <prefix>/bin/xun                          (when the tool is part of the build)
 #   <prefix>/share/xun/bin/, share/xun/lang/  (KORVANE_HOME=<prefix>/share/xun)
+#   <prefix>/share/xun/fortran/xun.f90, share/xun/pascal/xun.pas, share/xun/csharp/Xun.cs
+#   <prefix>/lib/xun/fortran/xun.mod, libxunfortran.a  (when the build has gfortran)
 #   <prefix>/lib/pkgconfig/xun.pc
 #   <prefix>/lib/cmake/xun/xunConfig.cmake, xunConfigVersion.cmake, xunTargets*.cmake
 #
 # Every installed file refers to the others by relative paths, so the tree may be
 # installed with `cmake --install <build> --prefix <dir>` and moved afterwards.
-# Components: "Runtime" (library, tool, data) and "Development" (headers, the
-# libxun.so link, pkg-config file and CMake package).
+# Components: "Runtime" (library and data), "Tools" (the xun tool) and
+# "Development" (headers, the libxun.so link, pkg-config file, CMake package
+# and language bindings); cmake/Package.cmake makes a Debian package of each.
 include(${CMAKE_CURRENT_LIST_DIR}/InstallDirs.cmake)
 include(CMakePackageConfigHelpers)
 
@@ -37,7 +40,7 @@ if(XUN_TOOL_TARGET)
   # directory relative to its own place, so the tree may be moved.
   file(RELATIVE_PATH _xun_bin_to_lib "/prefix/${CMAKE_INSTALL_BINDIR}" "/prefix/${CMAKE_INSTALL_LIBDIR}")
   set_target_properties(${XUN_TOOL_TARGET} PROPERTIES INSTALL_RPATH "$ORIGIN/${_xun_bin_to_lib}")
-  install(TARGETS ${XUN_TOOL_TARGET} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Runtime)
+  install(TARGETS ${XUN_TOOL_TARGET} RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR} COMPONENT Tools)
 endif()
 
 # The default installation: setup file and active language files in bin/, every
@@ -45,6 +48,22 @@ endif()
 install(DIRECTORY ${PROJECT_SOURCE_DIR}/data/bin ${PROJECT_SOURCE_DIR}/data/lang
   DESTINATION ${XUN_INSTALL_DATADIR}
   COMPONENT Runtime)
+
+# The language bindings, as sources beside the default installation, and the
+# Fortran module compiled for the build's compiler (its .mod file and the
+# archive of its wrappers) under lib/xun/fortran.
+install(FILES ${PROJECT_SOURCE_DIR}/bindings/fortran/xun.f90
+  DESTINATION ${XUN_INSTALL_DATADIR}/fortran COMPONENT Development)
+install(FILES ${PROJECT_SOURCE_DIR}/bindings/pascal/xun.pas
+  DESTINATION ${XUN_INSTALL_DATADIR}/pascal COMPONENT Development)
+install(FILES ${PROJECT_SOURCE_DIR}/bindings/csharp/Xun.cs
+  DESTINATION ${XUN_INSTALL_DATADIR}/csharp COMPONENT Development)
+if(TARGET xunfortran)
+  install(TARGETS xunfortran
+    ARCHIVE DESTINATION ${XUN_INSTALL_FORTRANMODDIR} COMPONENT Development)
+  install(FILES ${PROJECT_BINARY_DIR}/bindings/fortran/module/xun.mod
+    DESTINATION ${XUN_INSTALL_FORTRANMODDIR} COMPONENT Development)
+endif()
 
 # pkg-config: the prefix is found from the file's own place (${pcfiledir}), so
 # the file stays right for any --prefix given at install time.
@@ -66,6 +85,11 @@ else()
   set(XUN_PC_LIBDIR "\${prefix}/${CMAKE_INSTALL_LIBDIR}")
   set(XUN_PC_INCLUDEDIR "\${prefix}/${CMAKE_INSTALL_INCLUDEDIR}")
   set(XUN_PC_HOME "\${prefix}/${XUN_INSTALL_DATADIR}")
+endif()
+if(IS_ABSOLUTE "${XUN_INSTALL_FORTRANMODDIR}")
+  set(XUN_PC_FORTRANMODDIR "${XUN_INSTALL_FORTRANMODDIR}")
+else()
+  set(XUN_PC_FORTRANMODDIR "\${prefix}/${XUN_INSTALL_FORTRANMODDIR}")
 endif()
 configure_file(${CMAKE_CURRENT_LIST_DIR}/xun.pc.in ${PROJECT_BINARY_DIR}/xun.pc @ONLY)
 install(FILES ${PROJECT_BINARY_DIR}/xun.pc

@@ -6,6 +6,8 @@ include(GNUInstallDirs)
 
 set(XUN_INSTALL_DATADIR "${CMAKE_INSTALL_DATADIR}/xun" CACHE STRING
   "Directory of the default installation data, relative to the prefix (KORVANE_HOME)")
+set(XUN_INSTALL_FORTRANMODDIR "${CMAKE_INSTALL_LIBDIR}/xun/fortran" CACHE STRING
+  "Directory of the compiled Fortran module (xun.mod, libxunfortran.a), relative to the prefix")
 set(XUN_INSTALL_CMAKEDIR "${CMAKE_INSTALL_LIBDIR}/cmake/xun" CACHE STRING
   "Directory of the CMake package files, relative to the prefix")
 set(XUN_INSTALL_PKGCONFIGDIR "${CMAKE_INSTALL_LIBDIR}/pkgconfig" CACHE STRING

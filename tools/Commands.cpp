@@ -107,8 +107,12 @@ const char kIncludesHelp[] =
     "xunDefine.cs and the report xunAllowedUnits.HTML, and lists them.\n"
     "\n"
     "Options:\n"
-    "  --out DIR  write them into DIR (made if it does not exist) instead of the\n"
-    "             current directory\n";
+    "  --out DIR     write them into DIR (made if it does not exist) instead of the\n"
+    "                current directory\n"
+    "  --fixed-form  also write xunDefine.f77, the constants of xunDefine.f__ in\n"
+    "                fixed form for Fortran 77 hosts: comment lines start with C,\n"
+    "                statements in column 7, continuation lines have '&' in\n"
+    "                column 6, and no line is longer than 72 columns\n";
 
 const char kCheckHelp[] =
     "Usage: xun check [OPTIONS] [SETUP]\n"
@@ -198,7 +202,7 @@ const std::vector<Command>& CommandTable() {
          "includes [--out DIR]",
          "write the include files and the allowed-units report",
          kIncludesHelp,
-         {{"--out", true, true}},
+         {{"--out", true, true}, {"--fixed-form", false, false}},
          0,
          0,
          &RunIncludes},

@@ -8,7 +8,8 @@ program check_fortran
   implicit none
   include 'xunDefine.f__'
   integer :: failures = 0, checks = 0
-  integer(c_int) :: ok, tag, user
+  integer(c_int) :: ok, tag, user, code
+  logical :: text_ok
   real(c_double) :: x
   real(c_double) :: levels(4) = [1.0_c_double, -999.0_c_double, 2.0_c_double, 10.0_c_double]
   real(c_float) :: temperatures(3) = [32.0_c_float, -999.0_c_float, 212.0_c_float]
@@ -59,6 +60,26 @@ program check_fortran
   call check(ok == 1 .and. user == UnitMeter, 'water level shown in meters')
   ok = xunConvertToUserUnit(ItemWaterLevel, UnitFoot, x, 1.0_c_double)
   call check(ok == 1 .and. x == 0.3048_c_double, '1 ft to the user unit of the water level')
+
+  ! The wrappers: Fortran texts in, allocatable texts and logical values out.
+  call check(xun_setup_path() == home//'/bin/XUN.xml', 'xun_setup_path')
+  call check(xun_unit_key(UnitFoot) == 'foot', 'xun_unit_key')
+  call check(xun_unit_abbreviation(UnitMeter) == 'm', 'xun_unit_abbreviation')
+  text_ok = .true.
+  call check(xun_unit_ident(0, text_ok) == '' .and. .not. text_ok, 'xun_unit_ident of no unit')
+  call check(index(xun_unit_get_all(), ';UnitFoot;') > 0, 'xun_unit_get_all')
+  call check(index(xun_item_type_get_all(), 'ItemWaterLevel;') > 0, 'xun_item_type_get_all')
+  call check(xun_unit_tag('feet', tag) .and. tag == UnitFoot, 'xun_unit_tag')
+  call check(.not. xun_unit_tag('no such unit', tag) .and. tag == 0, 'xun_unit_tag of no unit')
+  call check(xun_units_eqv(UnitFoot, UnitMeter) .and. .not. xun_units_eqv(UnitFoot, UnitSecond), &
+             'xun_units_eqv')
+  call check(xun_item_unit_eqv(ItemWaterLevel, UnitFoot), 'xun_item_unit_eqv')
+  call check(xun_item_filter_eqv(ItemWaterLevel, FilterHydrology), 'xun_item_filter_eqv')
+  call check(.not. xun_success(xunConvertUnit(UnitMeter, UnitSecond, x, 1.0_c_double)), &
+             'a refused conversion is no success')
+  call check(index(xun_last_error_message(code), 'xunConvertUnit: ') == 1 .and. &
+             code == XUN_ERR_DIMENSION, 'xun_last_error_message')
+  call check(xun_version() /= '', 'xun_version')
 
   if (failures /= 0) stop 1
   print '(a,i0,a)', 'fortran: ', checks, ' checks passed'

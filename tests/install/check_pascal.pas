@@ -14,7 +14,8 @@ uses
 var
   failures: integer = 0;
   checks: integer = 0;
-  tag, user: cint;
+  tag, user, code: cint;
+  ok: Boolean;
   x: cdouble;
   levels: array[0..3] of cdouble = (1.0, -999.0, 2.0, 10.0);
   temperatures: array[0..2] of cfloat = (32.0, -999.0, 212.0);
@@ -79,6 +80,23 @@ begin
     'water level shown in meters');
   check((xunConvertToUserUnit(ItemWaterLevel, UnitFoot, x, 1.0) = 1) and near(x, 0.3048),
     '1 ft to the user unit of the water level');
+
+  { The helpers: Pascal strings and Boolean values. }
+  check(xunSetupGetPathStr = home + '/bin/XUN.xml', 'xunSetupGetPathStr');
+  check(xunGetUnitKeyStr(UnitFoot) = 'foot', 'xunGetUnitKeyStr');
+  check(xunGetUnitAbbreviationStr(UnitMeter) = 'm', 'xunGetUnitAbbreviationStr');
+  ok := True;
+  check((xunGetUnitIdentStr(0, ok) = '') and not ok, 'xunGetUnitIdentStr of no unit');
+  check(Pos(';UnitFoot;', xunUnitGetAllStr) > 0, 'xunUnitGetAllStr');
+  check(Pos('ItemWaterLevel;', xunItemTypeGetAllStr) > 0, 'xunItemTypeGetAllStr');
+  check(xunUnitsEqvB(UnitFoot, UnitMeter) and not xunUnitsEqvB(UnitFoot, UnitSecond),
+    'xunUnitsEqvB');
+  check(xunItemUnitEqvB(ItemWaterLevel, UnitFoot), 'xunItemUnitEqvB');
+  check(xunItemFilterEqvB(ItemWaterLevel, FilterHydrology), 'xunItemFilterEqvB');
+  check(xunConvertUnit(UnitMeter, UnitSecond, x, 1.0) = 0, 'a refused conversion');
+  check((Pos('xunConvertUnit: ', xunLastErrorStr(code)) = 1) and (code = XUN_ERR_DIMENSION),
+    'xunLastErrorStr');
+  check(xunVersionStr <> '', 'xunVersionStr');
 
   if failures <> 0 then
     halt(1);

@@ -2,19 +2,24 @@
 # Installs the build into a temporary prefix, then builds and runs client
 # programs against the installed files only, each in a directory outside the
 # source tree: C through pkg-config, C++ through find_package(xun), Fortran and
-# Pascal through the generated include files, Python through the ctypes package.
+# Pascal through the installed bindings and the generated include files,
+# Python through the ctypes package. The tour_* steps build the same program
+# (tests/install/tour) in each language from the installed files; each must
+# print what the C one prints.
 #
 # usage: install_test.sh STEP
 #   setup    cmake --install into a new temporary prefix (its path goes to $XUN_STATE)
 #   layout   the installed files, links and package files
 #   tool     the installed xun tool
 #   c, cxx, fortran, pascal, python
+#   tour_c, tour_cxx, tour_fortran, tour_fortran_fixed, tour_pascal, tour_csharp, tour_python
 #   cleanup  removes the temporary prefix
 #
 # Environment (set by tests/install/CMakeLists.txt): XUN_STATE, XUN_BUILD_DIR,
 # XUN_SOURCE_DIR, XUN_CMAKE, XUN_CC, XUN_CXX, XUN_VERSION, XUN_LIBDIR,
 # XUN_INCLUDEDIR, XUN_BINDIR, XUN_DATADIR, XUN_PKGCONFIGDIR, XUN_CMAKEDIR,
-# XUN_TOOL (1 when the build has the xun tool), XUN_PYTHON.
+# XUN_FORTRANMODDIR, XUN_TOOL (1 when the build has the xun tool),
+# XUN_FORTRAN_MODULE (1 when it has the compiled Fortran module), XUN_PYTHON.
 set -eu
 
 step=$1
@@ -69,6 +74,27 @@ root=$(cat "$XUN_STATE")
 prefix=$root/stage$install_prefix
 libdir=$prefix/$XUN_LIBDIR
 home=$prefix/$XUN_DATADIR
+moddir=$prefix/$XUN_FORTRANMODDIR
+tour=$src/tests/install/tour
+
+# tour_reference DIR: builds the C tour in DIR and writes what it prints to
+# DIR/expected.txt (it checks itself against the library's other answers).
+tour_reference() {
+    PKG_CONFIG_PATH="$prefix/$XUN_PKGCONFIGDIR"
+    export PKG_CONFIG_PATH
+    # shellcheck disable=SC2046 # the flags are words
+    quiet "$XUN_CC" -std=c99 -pedantic -Wall -Wextra -Werror "$tour/tour.c" -o "$1/tour_c" \
+        $(pkg-config --cflags --libs xun) -Wl,-rpath,"$(pkg-config --variable=libdir xun)" -lm
+    KORVANE_HOME=$home "$1/tour_c" >"$1/expected.txt" || fail "the C tour"
+}
+
+# tour_compare NAME DIR COMMAND...: runs the tour, compares with DIR/expected.txt.
+tour_compare() {
+    name=$1
+    dir=$2
+    shift 2
+    expect_output "$name" "$(cat "$dir/expected.txt")" env KORVANE_HOME="$home" "$@"
+}
 
 case $step in
 cleanup)
@@ -99,7 +125,18 @@ layout)
     cmp "$src/include/SmartPtr" "$prefix/$XUN_INCLUDEDIR/SmartPtr" || fail "SmartPtr"
     diff -r "$src/data/bin" "$home/bin" || fail "data/bin differs from $home/bin"
     diff -r "$src/data/lang" "$home/lang" || fail "data/lang differs from $home/lang"
-    [ "$(ls "$home")" = "$(printf 'bin\nlang')" ] || fail "unexpected files in $home: $(ls "$home")"
+    [ "$(ls "$home")" = "$(printf 'bin\ncsharp\nfortran\nlang\npascal')" ] ||
+        fail "unexpected files in $home: $(ls "$home")"
+    # The language bindings as sources, and the Fortran module compiled.
+    cmp "$src/bindings/fortran/xun.f90" "$home/fortran/xun.f90" || fail "fortran/xun.f90"
+    cmp "$src/bindings/pascal/xun.pas" "$home/pascal/xun.pas" || fail "pascal/xun.pas"
+    cmp "$src/bindings/csharp/Xun.cs" "$home/csharp/Xun.cs" || fail "csharp/Xun.cs"
+    if [ "$XUN_FORTRAN_MODULE" = 1 ]; then
+        [ "$(ls "$moddir")" = "$(printf 'libxunfortran.a\nxun.mod')" ] ||
+            fail "unexpected files in $moddir: $(ls "$moddir" 2>&1)"
+    else
+        [ ! -e "$moddir" ] || fail "$moddir installed without a Fortran compiler"
+    fi
     # Package files, none of which names the source or build tree.
     for f in "$prefix/$XUN_PKGCONFIGDIR/xun.pc" "$prefix/$XUN_CMAKEDIR/xunConfig.cmake" \
         "$prefix/$XUN_CMAKEDIR/xunConfigVersion.cmake" "$prefix/$XUN_CMAKEDIR/xunTargets.cmake"; do
@@ -187,17 +224,19 @@ fortran)
     mkdir -p "$work"
     cp "$src/examples/fortran/"*.f90 "$src/tests/install/check_fortran.f90" "$work/"
     cd "$work"
-    link="-L$libdir -Wl,-rpath,$libdir -lxun"
-    quiet gfortran -std=f2008 -Wall -Wextra -Werror -c xun.f90
+    # The installed source of the module compiles on its own.
+    quiet gfortran -std=f2008 -Wall -Wextra -Werror -c "$home/fortran/xun.f90" -o xun_source.o
+    # The programs use the installed compiled module.
+    link="-I$moddir -L$moddir -lxunfortran -L$libdir -Wl,-rpath,$libdir -lxun"
     # shellcheck disable=SC2086 # the link flags are words
-    quiet gfortran -std=f2008 -Wall -Werror write_defines.f90 xun.o -o write_defines $link
+    quiet gfortran -std=f2008 -Wall -Werror write_defines.f90 -o write_defines $link
     KORVANE_HOME=$home ./write_defines || fail "write_defines"
     [ -s xunDefine.f__ ] || fail "the library wrote no xunDefine.f__"
     # shellcheck disable=SC2086
-    quiet gfortran -std=f2008 -Wall -Werror -I. check_fortran.f90 xun.o -o check_fortran $link
+    quiet gfortran -std=f2008 -Wall -Werror -I. check_fortran.f90 -o check_fortran $link
     KORVANE_HOME=$home ./check_fortran || fail "check_fortran"
     # shellcheck disable=SC2086
-    quiet gfortran -std=f2008 -Wall -Werror -I. convert.f90 xun.o -o convert $link
+    quiet gfortran -std=f2008 -Wall -Werror -I. convert.f90 -o convert $link
     expect_output "Fortran example" \
         "100 cubic foot per second = 2.831685 cubic meter per second" \
         env KORVANE_HOME="$home" ./convert
@@ -210,7 +249,8 @@ pascal)
     mkdir -p "$work"
     cp "$src/examples/pascal/"*.pas "$src/tests/install/check_pascal.pas" "$work/"
     cd "$work"
-    fpc_flags="-v0 -Sew -Fl$libdir -k-rpath -k$libdir -Fi. -Fu."
+    # The unit comes from the installation; its compiled files go to the work directory.
+    fpc_flags="-v0 -Sew -Fl$libdir -k-rpath -k$libdir -Fi. -Fu$home/pascal -FU$work"
     # shellcheck disable=SC2086 # the flags are words
     quiet fpc $fpc_flags write_defines.pas
     KORVANE_HOME=$home ./write_defines || fail "write_defines"
@@ -246,6 +286,93 @@ with open("/proc/self/maps") as maps:
         "refused: xunConvertUnit: cannot convert unit 1200 'UnitMeter' (dimension L) to "\
 "unit 1600 'UnitSecond' (dimension T): the dimensions differ")" \
         env LD_LIBRARY_PATH="$libdir" PYTHONPATH="$work" KORVANE_HOME="$home" "$python" convert.py
+    ;;
+
+tour_c)
+    work=$root/tour_c
+    mkdir -p "$work"
+    tour_reference "$work"
+    lines=$(wc -l <"$work/expected.txt")
+    [ "$lines" -gt 5 ] || fail "the C tour printed $lines lines"
+    cat "$work/expected.txt"
+    ;;
+
+tour_cxx)
+    work=$root/tour_cxx
+    mkdir -p "$work/src"
+    tour_reference "$work"
+    cp "$tour/CMakeLists.txt" "$tour/tour.cpp" "$work/src/"
+    quiet "$XUN_CMAKE" -S "$work/src" -B "$work/build" -DCMAKE_BUILD_TYPE=Release \
+        -DCMAKE_CXX_COMPILER="$XUN_CXX" -DCMAKE_PREFIX_PATH="$prefix"
+    quiet "$XUN_CMAKE" --build "$work/build"
+    tour_compare "C++ tour" "$work" "$work/build/tour"
+    ;;
+
+tour_fortran | tour_fortran_fixed)
+    command -v gfortran >/dev/null 2>&1 ||
+        fail "gfortran is not installed: the Fortran tour needs it (Debian package gfortran)"
+    work=$root/$step
+    mkdir -p "$work"
+    tour_reference "$work"
+    cd "$work"
+    fmoddir=$(pkg-config --variable=fortran_moddir xun)
+    [ "$(cd "$fmoddir" && pwd -P)" = "$(cd "$moddir" && pwd -P)" ] ||
+        fail "fortran_moddir variable: $fmoddir"
+    link="-I$fmoddir -L$fmoddir -lxunfortran $(pkg-config --libs xun) -Wl,-rpath,$libdir"
+    if [ "$step" = tour_fortran ]; then
+        "$prefix/$XUN_BINDIR/xun" --home "$home" includes >/dev/null || fail "xun includes"
+        # shellcheck disable=SC2086 # the link flags are words
+        quiet gfortran -std=f2008 -Wall -Werror -I. "$tour/tour.f90" -o tour $link
+    else
+        "$prefix/$XUN_BINDIR/xun" --home "$home" includes --fixed-form >/dev/null ||
+            fail "xun includes --fixed-form"
+        # shellcheck disable=SC2086
+        quiet gfortran -ffixed-form -std=f2008 -Wall -Werror -I. "$tour/tour.f" -o tour $link
+    fi
+    tour_compare "Fortran tour ($step)" "$work" ./tour
+    ;;
+
+tour_pascal)
+    command -v fpc >/dev/null 2>&1 ||
+        fail "fpc is not installed: the Pascal tour needs it (Debian package fp-compiler)"
+    work=$root/tour_pascal
+    mkdir -p "$work"
+    tour_reference "$work"
+    cd "$work"
+    "$prefix/$XUN_BINDIR/xun" --home "$home" includes >/dev/null || fail "xun includes"
+    cp "$tour/tour.pas" .
+    # shellcheck disable=SC2046 # the flags are words
+    quiet fpc -v0 -Sew -Fu"$(pkg-config --variable=pascal_srcdir xun)" -FU"$work" \
+        -Fl"$libdir" -k-rpath -k"$libdir" -Fi. tour.pas
+    tour_compare "Pascal tour" "$work" ./tour
+    ;;
+
+tour_csharp)
+    command -v mcs >/dev/null 2>&1 ||
+        fail "mcs is not installed: the C# tour needs it (Debian packages mono-mcs, mono-runtime)"
+    work=$root/tour_csharp
+    mkdir -p "$work"
+    tour_reference "$work"
+    cd "$work"
+    "$prefix/$XUN_BINDIR/xun" --home "$home" includes >/dev/null || fail "xun includes"
+    quiet mcs -warnaserror -out:tour.exe "$tour/Tour.cs" \
+        "$(pkg-config --variable=csharp_srcdir xun)/Xun.cs" xunDefine.cs
+    # Mono finds libxun.so.1 through the system loader.
+    tour_compare "C# tour" "$work" env LD_LIBRARY_PATH="$libdir" mono tour.exe
+    # The C# example, built the same way.
+    quiet mcs -warnaserror -out:convert.exe "$src/examples/csharp/Convert.cs" \
+        "$(pkg-config --variable=csharp_srcdir xun)/Xun.cs" xunDefine.cs
+    expect_output "C# example" "levels in m: 0.3048 -999 0.762" \
+        env LD_LIBRARY_PATH="$libdir" KORVANE_HOME="$home" mono convert.exe
+    ;;
+
+tour_python)
+    work=$root/tour_python
+    mkdir -p "$work"
+    tour_reference "$work"
+    cp -r "$src/python/xun" "$work/"
+    tour_compare "Python tour" "$work" env LD_LIBRARY_PATH="$libdir" PYTHONPATH="$work" \
+        PYTHONDONTWRITEBYTECODE=1 "$XUN_PYTHON" "$tour/tour.py"
     ;;
 
 *)

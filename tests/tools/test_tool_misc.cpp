@@ -300,6 +300,25 @@ TEST(ToolIncludes, WritesIntoTheOutDirectory) {
         EXPECT_FALSE(ReadFile(out + "/" + name).empty()) << name;
 }
 
+TEST(ToolIncludes, FixedFormWritesTheTwinToo) {
+    const std::string dir = xuntest::MakeTempDir();
+    ASSERT_FALSE(dir.empty());
+    EXPECT_TOOL(Xun({"--home", "home", "includes", "--fixed-form", "--out", dir}), 0,
+                dir + "/xunDefine.c__\n" + dir + "/xunDefine.f__\n" + dir + "/xunDefine.p__\n" +
+                    dir + "/xunDefine.cs\n" + dir + "/xunAllowedUnits.HTML\n" + dir +
+                    "/xunDefine.f77\n",
+                "");
+    const std::string free = ReadFile(dir + "/xunDefine.f__");
+    EXPECT_NE(free.find("integer, parameter :: UnitMeter            =       1000  ! meter\n"),
+              std::string::npos)
+        << free;
+    const std::string fixed = ReadFile(dir + "/xunDefine.f77");
+    EXPECT_NE(fixed.find("\nC     meter\n      INTEGER UnitMeter\n"
+                         "      PARAMETER (UnitMeter = 1000)\n"),
+              std::string::npos)
+        << fixed;
+}
+
 TEST(ToolIncludes, WritesIntoTheWorkingDirectory) {
     const std::string dir = xuntest::MakeTempDir();
     ASSERT_FALSE(dir.empty());
