@@ -145,6 +145,42 @@ def array_tables(f):
     return lines
 
 
+PATHS = ("baseline", "avx2", "avx512")
+
+
+def paths_table(f):
+    """Each path of the array loops forced in turn, and the automatic choice."""
+    lines = []
+    columns = [(typ, size, kind) for typ in ("double", "float") for size in ("1000", "100000")
+               for kind in ("scale", "offset")]
+    chosen = f.median("paths/chosen", "path")
+    chosen_name = PATHS[int(chosen) - 1] if chosen else None
+    lines.append("Array loops per path, forced in turn (G elements/s; scale is ft ↔ in, offset °F ↔ °Ré); "
+                 f"the automatic choice of the run: **{chosen_name or '–'}**"
+                 + (" (named by XUN_CONVERSION_PATH)" if f.median("paths/chosen", "forced") else ""))
+    lines.append("")
+    lines.append("| path | " + " | ".join(f"{t} {s} {k}" for t, s, k in columns)
+                 + " | timed by the choice: double / float |")
+    lines.append("|---|" + "---|" * (len(columns) + 1))
+    best = {}
+    for path in PATHS:
+        cells = []
+        for t, s, k in columns:
+            rate = f.rate(f"paths/{t}/{s}/{k}/{path}")
+            if rate is not None:
+                best[(t, s, k)] = max(best.get((t, s, k), 0.0), rate)
+            cells.append(fmt(rate))
+        timed = (f"{fmt(f.median('paths/chosen', f'{path}_double_Gps'))} / "
+                 f"{fmt(f.median('paths/chosen', f'{path}_float_Gps'))}")
+        label = f"`{path}`" + (" (chosen)" if path == chosen_name else "")
+        lines.append(f"| {label} | " + " | ".join(cells) + f" | {timed} |")
+    if chosen_name:
+        cells = [mark(ratio(f.rate(f"paths/{t}/{s}/{k}/{chosen_name}"), best.get((t, s, k))), 0.95, True)
+                 for t, s, k in columns]
+        lines.append("| chosen / fastest (≥ 0.95) | " + " | ".join(cells) + " | |")
+    return lines
+
+
 def other_table(f):
     lines = []
     lines.append("Single conversions, loading and walks")
@@ -190,6 +226,8 @@ def main():
     context, runs, aggregates = load(sys.argv[1:])
     f = Figures(runs, aggregates)
     print("\n".join(array_tables(f)))
+    print()
+    print("\n".join(paths_table(f)))
     print()
     print("\n".join(other_table(f)))
     repetitions = max((len(v) for v in runs.values()), default=1)

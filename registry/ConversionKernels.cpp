@@ -15,11 +15,16 @@
 #include "registry/ConversionKernels.h"
 #include "registry/ConversionKernelsPlan.h"
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <type_traits>
+
+#include <xmmintrin.h>
 
 namespace {
 
@@ -83,6 +88,8 @@ const PathInfo kPaths[] = {
     {XunConversionPath_::Avx2, Needs::Avx2, &xunAvx2Loops_},
     {XunConversionPath_::Avx512, Needs::Avx512, &xunAvx512Loops_},
 };
+const size_t kPathCount = sizeof kPaths / sizeof kPaths[0];
+static_assert(kPathCount == XunConversionChoice_::kPaths, "a speed for every path");
 
 const PathInfo* Find(XunConversionPath_ path) {
     for (const PathInfo& info : kPaths)
@@ -103,18 +110,128 @@ bool Supported(const PathInfo& info) {
     return false;
 }
 
-// The automatic choice, made once: the widest supported path, the last of
-// kPaths that the processor supports. Each wider path was the fastest of the
-// paths its processors support where measured (docs/kernels.md); a choice by
-// measuring the supported paths would go here.
+// The automatic choice, made once per process at the first array conversion
+// (or the first question about it). The environment variable
+// XUN_CONVERSION_PATH may name a supported path ("baseline", "avx2",
+// "avx512"); otherwise every supported path is timed converting a small block
+// that stays in the first-level cache, and the fastest is kept. A wider path
+// must beat the simpler one chosen so far by more than kTieMargin: ties keep
+// the simplest.
+const double kTieMargin = 0.02;
+const size_t kTimedElements = 1024; // 8 KB of doubles, 4 KB of floats
+const int kTimedRounds = 9;         // the median of these rounds counts
+const int kTimedPasses = 4;         // forth and back, this often per round
+
+const PathInfo* PathNamed(const char* name) {
+    static const struct {
+        const char* name;
+        XunConversionPath_ path;
+    } kNames[] = {{"baseline", XunConversionPath_::Baseline},
+                  {"avx2", XunConversionPath_::Avx2},
+                  {"avx512", XunConversionPath_::Avx512}};
+    if (name == nullptr)
+        return nullptr;
+    for (const auto& entry : kNames)
+        if (std::strcmp(name, entry.name) == 0)
+            return Find(entry.path);
+    return nullptr;
+}
+
+// Nanoseconds of one round of converting the block with the loops, forth
+// and back kTimedPasses times (foot and inch, both ways
+// a true division, as most conversions are).
+template <class T> struct TimedBlock {
+    alignas(64) T values[kTimedElements];
+    TimedBlock() {
+        for (size_t i = 0; i < kTimedElements; ++i)
+            values[i] = static_cast<T>(static_cast<double>(i % 97) * 1.25 - 40.0);
+    }
+    double Pass(const XunArrayLoops_& loops) {
+        const XunArrayPlan_ forth = MakePlan(XunConversion_{0.3048, 0.0, 0.0, 0.0254});
+        const XunArrayPlan_ back = MakePlan(XunConversion_{0.0254, 0.0, 0.0, 0.3048});
+        const auto start = std::chrono::steady_clock::now();
+        for (int pass = 0; pass < kTimedPasses; ++pass) {
+            if constexpr (std::is_same_v<T, double>) {
+                loops.doubles(forth, values, kTimedElements, -9999.0);
+                loops.doubles(back, values, kTimedElements, -9999.0);
+            } else {
+                loops.floats(forth, values, kTimedElements, -9999.0f);
+                loops.floats(back, values, kTimedElements, -9999.0f);
+            }
+        }
+        const auto end = std::chrono::steady_clock::now();
+        return std::chrono::duration<double, std::nano>(end - start).count();
+    }
+};
+
+XunConversionChoice_ Choose() {
+    XunConversionChoice_ choice{};
+    for (size_t i = 0; i < kPathCount; ++i)
+        choice.speeds[i].path = kPaths[i].path;
+    if (const PathInfo* named = PathNamed(std::getenv("XUN_CONVERSION_PATH"))) {
+        if (Supported(*named)) {
+            choice.path = named->path;
+            choice.forced = true;
+            return choice;
+        }
+    }
+    // The timing raises floating-point exception flags (inexact); the host's
+    // flags, and its whole environment, are put back afterwards.
+    const unsigned environment = _mm_getcsr();
+    TimedBlock<double> doubles;
+    TimedBlock<float> floats;
+    double timesDoubles[kPathCount][kTimedRounds], timesFloats[kPathCount][kTimedRounds];
+    for (int round = -1; round < kTimedRounds; ++round) {
+        for (size_t i = 0; i < kPathCount; ++i) {
+            if (!Supported(kPaths[i]))
+                continue;
+            const double d = doubles.Pass(*kPaths[i].loops);
+            const double f = floats.Pass(*kPaths[i].loops);
+            if (round < 0)
+                continue; // warming up (caches, the upper halves of the vector units)
+            timesDoubles[i][round] = d;
+            timesFloats[i][round] = f;
+        }
+    }
+    // The median round of each: robust against rounds that another program
+    // interrupted and against single rounds that ran unusually fast.
+    double bestDoubles[kPathCount], bestFloats[kPathCount];
+    for (size_t i = 0; i < kPathCount; ++i) {
+        bestDoubles[i] = bestFloats[i] = 0.0;
+        if (!Supported(kPaths[i]))
+            continue;
+        std::nth_element(timesDoubles[i], timesDoubles[i] + kTimedRounds / 2,
+                         timesDoubles[i] + kTimedRounds);
+        std::nth_element(timesFloats[i], timesFloats[i] + kTimedRounds / 2,
+                         timesFloats[i] + kTimedRounds);
+        bestDoubles[i] = timesDoubles[i][kTimedRounds / 2];
+        bestFloats[i] = timesFloats[i][kTimedRounds / 2];
+    }
+    _mm_setcsr(environment);
+    const double elements = 2.0 * kTimedPasses * kTimedElements;
+    size_t chosen = 0;
+    for (size_t i = 0; i < kPathCount; ++i) {
+        if (!Supported(kPaths[i]))
+            continue;
+        // Elements per nanosecond: G elements per second (a clock that did
+        // not advance counts as one nanosecond).
+        choice.speeds[i].doubles = elements / std::max(bestDoubles[i], 1.0);
+        choice.speeds[i].floats = elements / std::max(bestFloats[i], 1.0);
+        const double time = bestDoubles[i] + bestFloats[i];
+        if (i > 0 && time < (bestDoubles[chosen] + bestFloats[chosen]) * (1.0 - kTieMargin))
+            chosen = i;
+    }
+    choice.path = kPaths[chosen].path;
+    return choice;
+}
+
+const XunConversionChoice_& Choice() {
+    static const XunConversionChoice_ choice = Choose();
+    return choice;
+}
+
 const PathInfo& BestPath() {
-    static const PathInfo* const best = [] {
-        const PathInfo* widest = &kPaths[0];
-        for (const PathInfo& info : kPaths)
-            if (Supported(info))
-                widest = &info;
-        return widest;
-    }();
+    static const PathInfo* const best = Find(Choice().path);
     return *best;
 }
 
@@ -158,6 +275,10 @@ bool xunSetConversionPath_(XunConversionPath_ path) {
 
 XunConversionPath_ xunConversionPathInUse_() {
     return CurrentPath().path;
+}
+
+const XunConversionChoice_& xunConversionChoice_() {
+    return Choice();
 }
 
 void xunConvertArrayD_(const XunConversion_& conversion, double* values, int count,

@@ -17,9 +17,11 @@
 // divided by.
 #pragma once
 
+#include <cstddef>
+
 // The instruction-set paths of the array loops.
 enum class XunConversionPath_ {
-    Auto,     // the default: the widest path the processor supports
+    Auto,     // the default: the fastest path, measured once per process
     Baseline, // SSE2
     Avx2,     // AVX2
     Avx512,   // AVX-512 F and VL
@@ -36,6 +38,26 @@ bool xunSetConversionPath_(XunConversionPath_ path);
 
 // The path the array conversions use (never Auto).
 XunConversionPath_ xunConversionPathInUse_();
+
+// How Auto's path was chosen, once per process, at the first array
+// conversion (or the first call of this function or of
+// xunConversionPathInUse_): the path named by the environment variable
+// XUN_CONVERSION_PATH ("baseline", "avx2" or "avx512") when the processor
+// supports it, otherwise the fastest of the supported paths on a block in
+// the first-level cache (a wider path must be 2 % faster than a simpler one).
+struct XunConversionChoice_ {
+    static constexpr size_t kPaths = 3;
+    XunConversionPath_ path; // never Auto
+    bool forced;             // named by XUN_CONVERSION_PATH, nothing timed
+    // Every path, the simplest first; G elements per second on the timed
+    // block, 0 where not timed (unsupported or forced).
+    struct {
+        XunConversionPath_ path;
+        double doubles;
+        double floats;
+    } speeds[kPaths];
+};
+const XunConversionChoice_& xunConversionChoice_();
 
 // The factors and offsets of a unit-to-unit conversion.
 struct XunConversion_ {

@@ -13,6 +13,7 @@
 // 100000000 for a longer run by hand).
 #include <gtest/gtest.h>
 
+#include <cctype>
 #include <cfenv>
 #include <cinttypes>
 #include <cmath>
@@ -641,16 +642,87 @@ INSTANTIATE_TEST_SUITE_P(Variants, ConversionPath,
                              return std::string(PathName(info.param));
                          });
 
-TEST(ConversionPathSelection, AutoPicksTheWidestSupportedPath) {
+// The path XUN_CONVERSION_PATH names, if it names one ("baseline", "avx2",
+// "avx512"); Auto otherwise.
+Path NamedPath() {
+    const char* name = std::getenv("XUN_CONVERSION_PATH");
+    if (name == nullptr)
+        return Path::Auto;
+    for (Path path : {Path::Baseline, Path::Avx2, Path::Avx512}) {
+        std::string lower = PathName(path);
+        for (char& c : lower)
+            c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
+        if (lower == name)
+            return path;
+    }
+    return Path::Auto;
+}
+
+// Auto runs the path chosen once for the process: the one XUN_CONVERSION_PATH
+// names when the processor supports it (CTest runs this test with each name
+// and with a name of no path), otherwise the fastest of the supported paths
+// on the timed block, where a wider path must be more than 2 % faster than a
+// simpler one.
+TEST(ConversionPathSelection, AutoRunsTheChosenSupportedPath) {
     ASSERT_TRUE(xunSetConversionPath_(Path::Auto));
+    const XunConversionChoice_& choice = xunConversionChoice_();
     const Path chosen = xunConversionPathInUse_();
-    if (xunConversionPathSupported_(Path::Avx512))
-        EXPECT_EQ(chosen, Path::Avx512);
-    else if (xunConversionPathSupported_(Path::Avx2))
-        EXPECT_EQ(chosen, Path::Avx2);
-    else
-        EXPECT_EQ(chosen, Path::Baseline);
-    EXPECT_TRUE(xunConversionPathSupported_(Path::Baseline));
+    EXPECT_EQ(chosen, choice.path);
+    EXPECT_NE(chosen, Path::Auto);
+    EXPECT_TRUE(xunConversionPathSupported_(chosen));
+    const Path named = NamedPath();
+    if (named != Path::Auto && xunConversionPathSupported_(named)) {
+        EXPECT_TRUE(choice.forced);
+        EXPECT_EQ(chosen, named);
+        for (const auto& speed : choice.speeds) {
+            EXPECT_EQ(speed.doubles, 0.0);
+            EXPECT_EQ(speed.floats, 0.0);
+        }
+        return;
+    }
+    EXPECT_FALSE(choice.forced);
+    // Time per element of each path, doubles and floats together.
+    double chosenTime = 0.0;
+    for (const auto& speed : choice.speeds) {
+        const bool supported = xunConversionPathSupported_(speed.path);
+        EXPECT_EQ(speed.doubles > 0.0, supported) << PathName(speed.path);
+        EXPECT_EQ(speed.floats > 0.0, supported) << PathName(speed.path);
+        if (speed.path == chosen)
+            chosenTime = 1.0 / speed.doubles + 1.0 / speed.floats;
+    }
+    ASSERT_GT(chosenTime, 0.0);
+    bool simpler = true; // the speeds list the simplest path first
+    for (const auto& speed : choice.speeds) {
+        if (speed.path == chosen) {
+            simpler = false;
+            continue;
+        }
+        if (!xunConversionPathSupported_(speed.path))
+            continue;
+        const double time = 1.0 / speed.doubles + 1.0 / speed.floats;
+        if (simpler) // a simpler path as fast would have been kept
+            EXPECT_GT(time, chosenTime * (1 - 1e-12)) << PathName(speed.path);
+        else // a wider path would have had to be 2 % faster
+            EXPECT_GE(time, chosenTime * (1 - 0.02) * (1 - 1e-12)) << PathName(speed.path);
+    }
+}
+
+// Whatever path the process chose, it gives the stepwise bits.
+TEST(ConversionPathSelection, AutoConvertsAsTheStepwiseFormula) {
+    ASSERT_TRUE(xunSetConversionPath_(Path::Auto));
+    Numbers numbers(11);
+    for (int round = 0; round < 200; ++round) {
+        const XunConversion_ c = numbers.Conversion();
+        const double del = numbers.DeleteValue();
+        std::vector<double> values(1 + numbers.Next() % 500);
+        for (double& x : values)
+            x = numbers.Value(c, del);
+        ASSERT_TRUE(Check(c, values.data(), values.size(), del));
+        std::vector<float> floats(values.size());
+        for (size_t i = 0; i < values.size(); ++i)
+            floats[i] = static_cast<float>(values[i]);
+        ASSERT_TRUE(Check(c, floats.data(), floats.size(), static_cast<float>(del)));
+    }
 }
 
 TEST(ConversionPathSelection, UnsupportedPathIsRefused) {
