@@ -7,7 +7,8 @@
 //                                    degree Reaumur)
 //   paths/chosen                     the automatic choice of this process:
 //                                    counters path (1 Baseline, 2 Avx2,
-//                                    3 Avx512), forced, and every path's
+//                                    3 Avx512, 4-6 the same with the float
+//                                    product), forced, and every path's
 //                                    speed as the choice timed it
 // They call the core's loops directly (linked from the static core), the
 // code that the shared library runs; a path the processor lacks is skipped.
@@ -31,6 +32,12 @@ const char* PathName(XunConversionPath_ path) {
         return "avx2";
     case XunConversionPath_::Avx512:
         return "avx512";
+    case XunConversionPath_::BaselineFloatProduct:
+        return "baseline-product";
+    case XunConversionPath_::Avx2FloatProduct:
+        return "avx2-product";
+    case XunConversionPath_::Avx512FloatProduct:
+        return "avx512-product";
     }
     return "?";
 }
@@ -48,6 +55,12 @@ const Pair kPairs[] = {
     {"offset",
      {5.0 / 9.0, 459.67 * 5.0 / 9.0, 273.15, 1.25},
      {1.25, 273.15, 459.67 * 5.0 / 9.0, 5.0 / 9.0}},
+};
+
+const XunConversionPath_ kPaths[] = {
+    XunConversionPath_::Baseline,         XunConversionPath_::Avx2,
+    XunConversionPath_::Avx512,           XunConversionPath_::BaselineFloatProduct,
+    XunConversionPath_::Avx2FloatProduct, XunConversionPath_::Avx512FloatProduct,
 };
 
 void Convert(const XunConversion_& c, std::vector<double>& values) {
@@ -92,8 +105,7 @@ void Chosen(benchmark::State& state) {
 template <class T> void RegisterType(const char* type) {
     for (size_t count : {size_t{1000}, size_t{100000}})
         for (const Pair& pair : kPairs)
-            for (XunConversionPath_ path : {XunConversionPath_::Baseline, XunConversionPath_::Avx2,
-                                            XunConversionPath_::Avx512})
+            for (XunConversionPath_ path : kPaths)
                 benchmark::RegisterBenchmark((std::string("paths/") + type + "/" +
                                               std::to_string(count) + "/" + pair.name + "/" +
                                               PathName(path))

@@ -145,7 +145,7 @@ def array_tables(f):
     return lines
 
 
-PATHS = ("baseline", "avx2", "avx512")
+PATHS = ("baseline", "avx2", "avx512", "baseline-product", "avx2-product", "avx512-product")
 
 
 def paths_table(f):

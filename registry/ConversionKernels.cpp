@@ -12,6 +12,11 @@
 //               infinities, NaN, results that overflow or are subnormal
 //               included); under flush-to-zero and denormals-are-zero both
 //               see the same (normal) operands and flush the same result.
+//   FloatProduct float arrays in the default floating-point environment, f2
+//               with a normal reciprocal y = 1 / f2 (rounded): a * y, narrowed
+//               to float, where a check of its bits proves that it narrows
+//               to the float of the rounded quotient a / f2; a vector with a
+//               lane not proven is divided (docs/kernels.md has the proof).
 #include "registry/ConversionKernels.h"
 #include "registry/ConversionKernelsPlan.h"
 
@@ -45,12 +50,32 @@ bool HasExactReciprocal(double f2) {
     return (bits & 0xFFFFFFFFFFFFFull) == 0 && exponent != 0 && exponent < 0x7FE;
 }
 
-XunArrayPlan_ MakePlan(const XunConversion_& c) {
+// True when f2 has a normal reciprocal: f2 is normal and |f2| < 2^1022, so
+// that 1 / f2 rounded lies in (2^-1022, 2^1022].
+bool HasNormalReciprocal(double f2) {
+    const uint64_t exponent = (Bits(f2) >> 52) & 0x7FF;
+    return exponent != 0 && exponent < 1023 + 1022;
+}
+
+// True when the calling thread's floating-point environment is the default
+// one: rounding to nearest, neither flush-to-zero nor denormals-are-zero
+// (MXCSR bits 13-14, 15 and 6 clear).
+bool DefaultEnvironment() {
+    return (_mm_getcsr() & 0xE040u) == 0;
+}
+
+// The plan of a call; floatProduct: the path takes the FloatProduct plan for
+// float arrays where it applies.
+template <class T> XunArrayPlan_ MakePlan(const XunConversion_& c, bool floatProduct) {
     XunArrayPlan_ plan{c.fromFactor, c.fromOffset, c.toOffset,
                        c.toFactor,   0.0,          XunDivision_::Divide};
     if (HasExactReciprocal(c.toFactor)) {
         plan.division = XunDivision_::Multiply;
         plan.y = 1.0 / c.toFactor;
+    } else if (std::is_same_v<T, float> && floatProduct && HasNormalReciprocal(c.toFactor) &&
+               DefaultEnvironment()) {
+        plan.division = XunDivision_::FloatProduct;
+        plan.y = 1.0 / c.toFactor; // rounded to nearest, normal
     }
     return plan;
 }
@@ -78,15 +103,23 @@ enum class Needs { Nothing, Avx2, Avx512 };
 
 struct PathInfo {
     XunConversionPath_ path;
+    const char* name; // for XUN_CONVERSION_PATH
     Needs needs;
     const XunArrayLoops_* loops;
+    bool floatProduct; // float arrays by the FloatProduct plan where it applies
 };
 
-// Every path, the simplest first.
+// Every path, the simplest first: the loops dividing, then the same loops
+// with the FloatProduct plan for floats.
 const PathInfo kPaths[] = {
-    {XunConversionPath_::Baseline, Needs::Nothing, &xunSse2Loops_},
-    {XunConversionPath_::Avx2, Needs::Avx2, &xunAvx2Loops_},
-    {XunConversionPath_::Avx512, Needs::Avx512, &xunAvx512Loops_},
+    {XunConversionPath_::Baseline, "baseline", Needs::Nothing, &xunSse2Loops_, false},
+    {XunConversionPath_::Avx2, "avx2", Needs::Avx2, &xunAvx2Loops_, false},
+    {XunConversionPath_::Avx512, "avx512", Needs::Avx512, &xunAvx512Loops_, false},
+    {XunConversionPath_::BaselineFloatProduct, "baseline-product", Needs::Nothing, &xunSse2Loops_,
+     true},
+    {XunConversionPath_::Avx2FloatProduct, "avx2-product", Needs::Avx2, &xunAvx2Loops_, true},
+    {XunConversionPath_::Avx512FloatProduct, "avx512-product", Needs::Avx512, &xunAvx512Loops_,
+     true},
 };
 const size_t kPathCount = sizeof kPaths / sizeof kPaths[0];
 static_assert(kPathCount == XunConversionChoice_::kPaths, "a speed for every path");
@@ -120,20 +153,14 @@ bool Supported(const PathInfo& info) {
 const double kTieMargin = 0.02;
 const size_t kTimedElements = 1024; // 8 KB of doubles, 4 KB of floats
 const int kTimedRounds = 9;         // the median of these rounds counts
-const int kTimedPasses = 4;         // forth and back, this often per round
+const int kTimedPasses = 2;         // forth and back, this often per round
 
 const PathInfo* PathNamed(const char* name) {
-    static const struct {
-        const char* name;
-        XunConversionPath_ path;
-    } kNames[] = {{"baseline", XunConversionPath_::Baseline},
-                  {"avx2", XunConversionPath_::Avx2},
-                  {"avx512", XunConversionPath_::Avx512}};
     if (name == nullptr)
         return nullptr;
-    for (const auto& entry : kNames)
-        if (std::strcmp(name, entry.name) == 0)
-            return Find(entry.path);
+    for (const PathInfo& info : kPaths)
+        if (std::strcmp(name, info.name) == 0)
+            return &info;
     return nullptr;
 }
 
@@ -146,9 +173,12 @@ template <class T> struct TimedBlock {
         for (size_t i = 0; i < kTimedElements; ++i)
             values[i] = static_cast<T>(static_cast<double>(i % 97) * 1.25 - 40.0);
     }
-    double Pass(const XunArrayLoops_& loops) {
-        const XunArrayPlan_ forth = MakePlan(XunConversion_{0.3048, 0.0, 0.0, 0.0254});
-        const XunArrayPlan_ back = MakePlan(XunConversion_{0.0254, 0.0, 0.0, 0.3048});
+    double Pass(const PathInfo& info) {
+        const XunArrayLoops_& loops = *info.loops;
+        const XunArrayPlan_ forth =
+            MakePlan<T>(XunConversion_{0.3048, 0.0, 0.0, 0.0254}, info.floatProduct);
+        const XunArrayPlan_ back =
+            MakePlan<T>(XunConversion_{0.0254, 0.0, 0.0, 0.3048}, info.floatProduct);
         const auto start = std::chrono::steady_clock::now();
         for (int pass = 0; pass < kTimedPasses; ++pass) {
             if constexpr (std::is_same_v<T, double>) {
@@ -185,8 +215,10 @@ XunConversionChoice_ Choose() {
         for (size_t i = 0; i < kPathCount; ++i) {
             if (!Supported(kPaths[i]))
                 continue;
-            const double d = doubles.Pass(*kPaths[i].loops);
-            const double f = floats.Pass(*kPaths[i].loops);
+            // (The FloatProduct paths convert doubles as the dividing ones:
+            // their doubles are timed once, below.)
+            const double d = kPaths[i].floatProduct ? 0.0 : doubles.Pass(kPaths[i]);
+            const double f = floats.Pass(kPaths[i]);
             if (round < 0)
                 continue; // warming up (caches, the upper halves of the vector units)
             timesDoubles[i][round] = d;
@@ -207,6 +239,11 @@ XunConversionChoice_ Choose() {
         bestDoubles[i] = timesDoubles[i][kTimedRounds / 2];
         bestFloats[i] = timesFloats[i][kTimedRounds / 2];
     }
+    for (size_t i = 0; i < kPathCount; ++i)
+        if (kPaths[i].floatProduct)
+            for (size_t j = 0; j < kPathCount; ++j)
+                if (!kPaths[j].floatProduct && kPaths[j].loops == kPaths[i].loops)
+                    bestDoubles[i] = bestDoubles[j];
     _mm_setcsr(environment);
     const double elements = 2.0 * kTimedPasses * kTimedElements;
     size_t chosen = 0;
@@ -248,8 +285,9 @@ void ConvertArray(const XunConversion_& conversion, T* values, int count, T dele
     // No element compares below or above a NaN delete value: nothing to do.
     if (count < 1 || deleteValue != deleteValue)
         return;
-    const XunArrayLoops_& loops = *CurrentPath().loops;
-    const XunArrayPlan_ plan = MakePlan(conversion);
+    const PathInfo& path = CurrentPath();
+    const XunArrayLoops_& loops = *path.loops;
+    const XunArrayPlan_ plan = MakePlan<T>(conversion, path.floatProduct);
     if constexpr (std::is_same_v<T, double>)
         loops.doubles(plan, values, static_cast<size_t>(count), deleteValue);
     else

@@ -13,7 +13,6 @@
 // 100000000 for a longer run by hand).
 #include <gtest/gtest.h>
 
-#include <cctype>
 #include <cfenv>
 #include <cinttypes>
 #include <cmath>
@@ -44,8 +43,39 @@ const char* PathName(Path path) {
         return "Avx2";
     case Path::Avx512:
         return "Avx512";
+    case Path::BaselineFloatProduct:
+        return "BaselineFloatProduct";
+    case Path::Avx2FloatProduct:
+        return "Avx2FloatProduct";
+    case Path::Avx512FloatProduct:
+        return "Avx512FloatProduct";
     }
     return "?";
+}
+
+const Path kEveryPath[] = {Path::Baseline,         Path::Avx2,
+                           Path::Avx512,           Path::BaselineFloatProduct,
+                           Path::Avx2FloatProduct, Path::Avx512FloatProduct};
+
+// The name XUN_CONVERSION_PATH gives a path.
+std::string EnvironmentName(Path path) {
+    switch (path) {
+    case Path::Baseline:
+        return "baseline";
+    case Path::Avx2:
+        return "avx2";
+    case Path::Avx512:
+        return "avx512";
+    case Path::BaselineFloatProduct:
+        return "baseline-product";
+    case Path::Avx2FloatProduct:
+        return "avx2-product";
+    case Path::Avx512FloatProduct:
+        return "avx512-product";
+    case Path::Auto:
+        break;
+    }
+    return "";
 }
 
 uint64_t Bits(double d) {
@@ -469,7 +499,10 @@ TEST_P(ConversionPath, FloatRoundingBoundaries) {
     const double maxFloat = static_cast<double>(std::numeric_limits<float>::max());
     for (double m : {maxFloat, maxFloat + 0x1p103, maxFloat - 0x1p103, 0x1p-126,
                      0x1p-126 - 0x1p-150, 0x1p-126 + 0x1p-150, 0x1p-149, 0x1p-150, 0x1.8p-149,
-                     0x1p-127 + 0x1p-150, 1.0, 1.0 + 0x1p-24, 1.0 - 0x1p-25, 3.0 + 0x1p-23})
+                     0x1p-127 + 0x1p-150, 1.0, 1.0 + 0x1p-24, 1.0 - 0x1p-25, 3.0 + 0x1p-23,
+                     // the edges of the float product's check: 2^-151, 2^-126, 2^128
+                     0x1p-151, 0x1p-151 + 0x1p-175, 0x1p-151 - 0x1p-176, 0x1p-152, 0x1p-127,
+                     0x1p-126 - 0x1p-160, 0x1p128, 0x1p128 - 0x1p90, 0x1p128 + 0x1p90})
         targets.push_back(m);
     for (int k = 0; k < 200; ++k) {
         // A random float, its two midpoints, and a power of two's.
@@ -636,25 +669,20 @@ TEST_P(ConversionPath, ExtremeFactorsInEveryEnvironment) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Variants, ConversionPath,
-                         testing::Values(Path::Baseline, Path::Avx2, Path::Avx512),
+INSTANTIATE_TEST_SUITE_P(Variants, ConversionPath, testing::ValuesIn(kEveryPath),
                          [](const testing::TestParamInfo<Path>& info) {
                              return std::string(PathName(info.param));
                          });
 
 // The path XUN_CONVERSION_PATH names, if it names one ("baseline", "avx2",
-// "avx512"); Auto otherwise.
+// "avx512", "baseline-product", ...); Auto otherwise.
 Path NamedPath() {
     const char* name = std::getenv("XUN_CONVERSION_PATH");
     if (name == nullptr)
         return Path::Auto;
-    for (Path path : {Path::Baseline, Path::Avx2, Path::Avx512}) {
-        std::string lower = PathName(path);
-        for (char& c : lower)
-            c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-        if (lower == name)
+    for (Path path : kEveryPath)
+        if (EnvironmentName(path) == name)
             return path;
-    }
     return Path::Auto;
 }
 
@@ -727,7 +755,7 @@ TEST(ConversionPathSelection, AutoConvertsAsTheStepwiseFormula) {
 
 TEST(ConversionPathSelection, UnsupportedPathIsRefused) {
     ASSERT_TRUE(xunSetConversionPath_(Path::Baseline));
-    for (Path path : {Path::Avx2, Path::Avx512}) {
+    for (Path path : kEveryPath) {
         if (!xunConversionPathSupported_(path)) {
             EXPECT_FALSE(xunSetConversionPath_(path));
             EXPECT_EQ(xunConversionPathInUse_(), Path::Baseline);
