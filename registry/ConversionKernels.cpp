@@ -145,10 +145,10 @@ bool Supported(const PathInfo& info) {
 
 // The automatic choice, made once per process at the first array conversion
 // (or the first question about it). The environment variable
-// XUN_CONVERSION_PATH may name a supported path ("baseline", "avx2",
-// "avx512"); otherwise every supported path is timed converting a small block
-// that stays in the first-level cache, and the fastest is kept. A wider path
-// must beat the simpler one chosen so far by more than kTieMargin: ties keep
+// XUN_CONVERSION_PATH may name a supported path (the names of kPaths);
+// otherwise every supported path is timed converting a small block that
+// stays in the first-level cache, and the fastest is kept. A path must beat
+// the earlier (simpler) one kept so far by more than kTieMargin: ties keep
 // the simplest.
 const double kTieMargin = 0.02;
 const size_t kTimedElements = 1024; // 8 KB of doubles, 4 KB of floats
@@ -164,9 +164,10 @@ const PathInfo* PathNamed(const char* name) {
     return nullptr;
 }
 
-// Nanoseconds of one round of converting the block with the loops, forth
-// and back kTimedPasses times (foot and inch, both ways
-// a true division, as most conversions are).
+// Nanoseconds of one round of converting the block by the path, forth and
+// back kTimedPasses times (foot and inch: both ways a true division, as most
+// conversions are; in the caller's floating-point environment, as the
+// conversions that follow).
 template <class T> struct TimedBlock {
     alignas(64) T values[kTimedElements];
     TimedBlock() {
