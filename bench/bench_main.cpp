@@ -8,11 +8,13 @@ void RegisterArrayBenchmarks();
 void RegisterSingleBenchmarks();
 void RegisterWalkBenchmarks();
 void RegisterLoadBenchmarks();
+void RegisterPathBenchmarks();
 } // namespace xunbench
 
 int main(int argc, char** argv) {
     // The order matters: the walks grow the registry for good, after the
     // single conversions have drawn their pairs among the installation's units.
+    xunbench::RegisterPathBenchmarks();
     xunbench::RegisterArrayBenchmarks();
     xunbench::RegisterSingleBenchmarks();
     xunbench::RegisterWalkBenchmarks();

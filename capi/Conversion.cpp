@@ -75,6 +75,9 @@ int ConvertArrayUser(const char* function, int itemKey, int otherTag, bool toUse
 extern "C" {
 
 int xunConvertUnit(int fromTag, int toTag, double* result, double value) {
+    // The common case first: it cannot throw or fail, and needs no frame.
+    if (result != nullptr && xunConvertCommonCase_(Units(), fromTag, toTag, value, *result))
+        return 1;
     return Guard("xunConvertUnit", 0,
                  [&] { return ConvertOne("xunConvertUnit", fromTag, toTag, result, value); });
 }

@@ -49,3 +49,21 @@ inline int xunFindConversion_(const CKVunitRegistry& units, long fromTag, long t
 inline double xunConvertValue_(const XunConversion_& c, double x) {
     return ((x * c.fromFactor + c.fromOffset) - c.toOffset) / c.toFactor;
 }
+
+// The common case of xunFindConversion_ and xunConvertValue_ together, for
+// the single-value functions: when both units are registered with non-zero
+// keys and have the same known dimension class, stores the converted value
+// and returns true. Returns false, and stores nothing, in every other case
+// (also ones that xunFindConversion_ accepts after checking the units'
+// dimensions themselves); the caller then goes the whole way. It calls
+// nothing, so that the common path of a conversion needs no stack frame.
+inline bool xunConvertCommonCase_(const CKVunitRegistry& units, long fromTag, long toTag,
+                                  double value, double& result) noexcept {
+    const CKVunitKeyEntry* from = units.FindEntry(fromTag);
+    const CKVunitKeyEntry* to = units.FindEntry(toTag);
+    if (from == nullptr || to == nullptr || fromTag == 0 || toTag == 0 ||
+        from->dimensionClass != to->dimensionClass || from->dimensionClass < 0)
+        return false;
+    result = ((value * from->factor + from->offset) - to->offset) / to->factor;
+    return true;
+}

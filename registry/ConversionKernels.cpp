@@ -12,14 +12,24 @@
 //               infinities, NaN, results that overflow or are subnormal
 //               included); under flush-to-zero and denormals-are-zero both
 //               see the same (normal) operands and flush the same result.
+//   FloatProduct float arrays in the default floating-point environment, f2
+//               with a normal reciprocal y = 1 / f2 (rounded): a * y, narrowed
+//               to float, where a check of its bits proves that it narrows
+//               to the float of the rounded quotient a / f2; a vector with a
+//               lane not proven is divided (docs/kernels.md has the proof).
 #include "registry/ConversionKernels.h"
 #include "registry/ConversionKernelsPlan.h"
 
+#include <algorithm>
 #include <atomic>
+#include <chrono>
 #include <cstddef>
 #include <cstdint>
+#include <cstdlib>
 #include <cstring>
 #include <type_traits>
+
+#include <xmmintrin.h>
 
 namespace {
 
@@ -40,12 +50,32 @@ bool HasExactReciprocal(double f2) {
     return (bits & 0xFFFFFFFFFFFFFull) == 0 && exponent != 0 && exponent < 0x7FE;
 }
 
-XunArrayPlan_ MakePlan(const XunConversion_& c) {
+// True when f2 has a normal reciprocal: f2 is normal and |f2| < 2^1022, so
+// that 1 / f2 rounded lies in (2^-1022, 2^1022].
+bool HasNormalReciprocal(double f2) {
+    const uint64_t exponent = (Bits(f2) >> 52) & 0x7FF;
+    return exponent != 0 && exponent < 1023 + 1022;
+}
+
+// True when the calling thread's floating-point environment is the default
+// one: rounding to nearest, neither flush-to-zero nor denormals-are-zero
+// (MXCSR bits 13-14, 15 and 6 clear).
+bool DefaultEnvironment() {
+    return (_mm_getcsr() & 0xE040u) == 0;
+}
+
+// The plan of a call; floatProduct: the path takes the FloatProduct plan for
+// float arrays where it applies.
+template <class T> XunArrayPlan_ MakePlan(const XunConversion_& c, bool floatProduct) {
     XunArrayPlan_ plan{c.fromFactor, c.fromOffset, c.toOffset,
                        c.toFactor,   0.0,          XunDivision_::Divide};
     if (HasExactReciprocal(c.toFactor)) {
         plan.division = XunDivision_::Multiply;
         plan.y = 1.0 / c.toFactor;
+    } else if (std::is_same_v<T, float> && floatProduct && HasNormalReciprocal(c.toFactor) &&
+               DefaultEnvironment()) {
+        plan.division = XunDivision_::FloatProduct;
+        plan.y = 1.0 / c.toFactor; // rounded to nearest, normal
     }
     return plan;
 }
@@ -73,16 +103,26 @@ enum class Needs { Nothing, Avx2, Avx512 };
 
 struct PathInfo {
     XunConversionPath_ path;
+    const char* name; // for XUN_CONVERSION_PATH
     Needs needs;
     const XunArrayLoops_* loops;
+    bool floatProduct; // float arrays by the FloatProduct plan where it applies
 };
 
-// Every path, the simplest first.
+// Every path, the simplest first: the loops dividing, then the same loops
+// with the FloatProduct plan for floats.
 const PathInfo kPaths[] = {
-    {XunConversionPath_::Baseline, Needs::Nothing, &xunSse2Loops_},
-    {XunConversionPath_::Avx2, Needs::Avx2, &xunAvx2Loops_},
-    {XunConversionPath_::Avx512, Needs::Avx512, &xunAvx512Loops_},
+    {XunConversionPath_::Baseline, "baseline", Needs::Nothing, &xunSse2Loops_, false},
+    {XunConversionPath_::Avx2, "avx2", Needs::Avx2, &xunAvx2Loops_, false},
+    {XunConversionPath_::Avx512, "avx512", Needs::Avx512, &xunAvx512Loops_, false},
+    {XunConversionPath_::BaselineFloatProduct, "baseline-product", Needs::Nothing, &xunSse2Loops_,
+     true},
+    {XunConversionPath_::Avx2FloatProduct, "avx2-product", Needs::Avx2, &xunAvx2Loops_, true},
+    {XunConversionPath_::Avx512FloatProduct, "avx512-product", Needs::Avx512, &xunAvx512Loops_,
+     true},
 };
+const size_t kPathCount = sizeof kPaths / sizeof kPaths[0];
+static_assert(kPathCount == XunConversionChoice_::kPaths, "a speed for every path");
 
 const PathInfo* Find(XunConversionPath_ path) {
     for (const PathInfo& info : kPaths)
@@ -103,18 +143,133 @@ bool Supported(const PathInfo& info) {
     return false;
 }
 
-// The automatic choice, made once: the widest supported path, the last of
-// kPaths that the processor supports. Each wider path was the fastest of the
-// paths its processors support where measured (docs/kernels.md); a choice by
-// measuring the supported paths would go here.
+// The automatic choice, made once per process at the first array conversion
+// (or the first question about it). The environment variable
+// XUN_CONVERSION_PATH may name a supported path (the names of kPaths);
+// otherwise every supported path is timed converting a small block that
+// stays in the first-level cache, and the fastest is kept. A path must beat
+// the earlier (simpler) one kept so far by more than kTieMargin: ties keep
+// the simplest.
+const double kTieMargin = 0.02;
+const size_t kTimedElements = 1024; // 8 KB of doubles, 4 KB of floats
+const int kTimedRounds = 9;         // the median of these rounds counts
+const int kTimedPasses = 2;         // forth and back, this often per round
+
+const PathInfo* PathNamed(const char* name) {
+    if (name == nullptr)
+        return nullptr;
+    for (const PathInfo& info : kPaths)
+        if (std::strcmp(name, info.name) == 0)
+            return &info;
+    return nullptr;
+}
+
+// Nanoseconds of one round of converting the block by the path, forth and
+// back kTimedPasses times (foot and inch: both ways a true division, as most
+// conversions are; in the caller's floating-point environment, as the
+// conversions that follow).
+template <class T> struct TimedBlock {
+    alignas(64) T values[kTimedElements];
+    TimedBlock() {
+        for (size_t i = 0; i < kTimedElements; ++i)
+            values[i] = static_cast<T>(static_cast<double>(i % 97) * 1.25 - 40.0);
+    }
+    double Pass(const PathInfo& info) {
+        const XunArrayLoops_& loops = *info.loops;
+        const XunArrayPlan_ forth =
+            MakePlan<T>(XunConversion_{0.3048, 0.0, 0.0, 0.0254}, info.floatProduct);
+        const XunArrayPlan_ back =
+            MakePlan<T>(XunConversion_{0.0254, 0.0, 0.0, 0.3048}, info.floatProduct);
+        const auto start = std::chrono::steady_clock::now();
+        for (int pass = 0; pass < kTimedPasses; ++pass) {
+            if constexpr (std::is_same_v<T, double>) {
+                loops.doubles(forth, values, kTimedElements, -9999.0);
+                loops.doubles(back, values, kTimedElements, -9999.0);
+            } else {
+                loops.floats(forth, values, kTimedElements, -9999.0f);
+                loops.floats(back, values, kTimedElements, -9999.0f);
+            }
+        }
+        const auto end = std::chrono::steady_clock::now();
+        return std::chrono::duration<double, std::nano>(end - start).count();
+    }
+};
+
+XunConversionChoice_ Choose() {
+    XunConversionChoice_ choice{};
+    for (size_t i = 0; i < kPathCount; ++i)
+        choice.speeds[i].path = kPaths[i].path;
+    if (const PathInfo* named = PathNamed(std::getenv("XUN_CONVERSION_PATH"))) {
+        if (Supported(*named)) {
+            choice.path = named->path;
+            choice.forced = true;
+            return choice;
+        }
+    }
+    // The timing raises floating-point exception flags (inexact); the host's
+    // flags, and its whole environment, are put back afterwards.
+    const unsigned environment = _mm_getcsr();
+    TimedBlock<double> doubles;
+    TimedBlock<float> floats;
+    double timesDoubles[kPathCount][kTimedRounds], timesFloats[kPathCount][kTimedRounds];
+    for (int round = -1; round < kTimedRounds; ++round) {
+        for (size_t i = 0; i < kPathCount; ++i) {
+            if (!Supported(kPaths[i]))
+                continue;
+            // (The FloatProduct paths convert doubles as the dividing ones:
+            // their doubles are timed once, below.)
+            const double d = kPaths[i].floatProduct ? 0.0 : doubles.Pass(kPaths[i]);
+            const double f = floats.Pass(kPaths[i]);
+            if (round < 0)
+                continue; // warming up (caches, the upper halves of the vector units)
+            timesDoubles[i][round] = d;
+            timesFloats[i][round] = f;
+        }
+    }
+    // The median round of each: robust against rounds that another program
+    // interrupted and against single rounds that ran unusually fast.
+    double bestDoubles[kPathCount], bestFloats[kPathCount];
+    for (size_t i = 0; i < kPathCount; ++i) {
+        bestDoubles[i] = bestFloats[i] = 0.0;
+        if (!Supported(kPaths[i]))
+            continue;
+        std::nth_element(timesDoubles[i], timesDoubles[i] + kTimedRounds / 2,
+                         timesDoubles[i] + kTimedRounds);
+        std::nth_element(timesFloats[i], timesFloats[i] + kTimedRounds / 2,
+                         timesFloats[i] + kTimedRounds);
+        bestDoubles[i] = timesDoubles[i][kTimedRounds / 2];
+        bestFloats[i] = timesFloats[i][kTimedRounds / 2];
+    }
+    for (size_t i = 0; i < kPathCount; ++i)
+        if (kPaths[i].floatProduct)
+            for (size_t j = 0; j < kPathCount; ++j)
+                if (!kPaths[j].floatProduct && kPaths[j].loops == kPaths[i].loops)
+                    bestDoubles[i] = bestDoubles[j];
+    _mm_setcsr(environment);
+    const double elements = 2.0 * kTimedPasses * kTimedElements;
+    size_t chosen = 0;
+    for (size_t i = 0; i < kPathCount; ++i) {
+        if (!Supported(kPaths[i]))
+            continue;
+        // Elements per nanosecond: G elements per second (a clock that did
+        // not advance counts as one nanosecond).
+        choice.speeds[i].doubles = elements / std::max(bestDoubles[i], 1.0);
+        choice.speeds[i].floats = elements / std::max(bestFloats[i], 1.0);
+        const double time = bestDoubles[i] + bestFloats[i];
+        if (i > 0 && time < (bestDoubles[chosen] + bestFloats[chosen]) * (1.0 - kTieMargin))
+            chosen = i;
+    }
+    choice.path = kPaths[chosen].path;
+    return choice;
+}
+
+const XunConversionChoice_& Choice() {
+    static const XunConversionChoice_ choice = Choose();
+    return choice;
+}
+
 const PathInfo& BestPath() {
-    static const PathInfo* const best = [] {
-        const PathInfo* widest = &kPaths[0];
-        for (const PathInfo& info : kPaths)
-            if (Supported(info))
-                widest = &info;
-        return widest;
-    }();
+    static const PathInfo* const best = Find(Choice().path);
     return *best;
 }
 
@@ -131,8 +286,9 @@ void ConvertArray(const XunConversion_& conversion, T* values, int count, T dele
     // No element compares below or above a NaN delete value: nothing to do.
     if (count < 1 || deleteValue != deleteValue)
         return;
-    const XunArrayLoops_& loops = *CurrentPath().loops;
-    const XunArrayPlan_ plan = MakePlan(conversion);
+    const PathInfo& path = CurrentPath();
+    const XunArrayLoops_& loops = *path.loops;
+    const XunArrayPlan_ plan = MakePlan<T>(conversion, path.floatProduct);
     if constexpr (std::is_same_v<T, double>)
         loops.doubles(plan, values, static_cast<size_t>(count), deleteValue);
     else
@@ -158,6 +314,10 @@ bool xunSetConversionPath_(XunConversionPath_ path) {
 
 XunConversionPath_ xunConversionPathInUse_() {
     return CurrentPath().path;
+}
+
+const XunConversionChoice_& xunConversionChoice_() {
+    return Choice();
 }
 
 void xunConvertArrayD_(const XunConversion_& conversion, double* values, int count,

@@ -11,18 +11,30 @@
 //   Baseline   SSE2 (every x86-64 processor).
 //   Avx2       AVX2, four doubles per vector.
 //   Avx512     AVX-512 F and VL, eight doubles per vector.
+//   ...FloatProduct  the same, float arrays without a division where a
+//              check proves the same bits (docs/kernels.md).
 // In every path a divisor f2 that is a power of two with a normal reciprocal
 // is replaced by a multiplication with that exact reciprocal (the same value,
 // rounded once, in every floating-point environment); every other divisor is
 // divided by.
 #pragma once
 
-// The instruction-set paths of the array loops.
+#include <cstddef>
+
+// The paths of the array loops: an instruction set, and for float arrays
+// how they divide.
 enum class XunConversionPath_ {
-    Auto,     // the default: the widest path the processor supports
+    Auto,     // the default: the fastest path, measured once per process
     Baseline, // SSE2
     Avx2,     // AVX2
     Avx512,   // AVX-512 F and VL
+    // The same loops, with float arrays converted by the product with the
+    // rounded reciprocal of the target factor where a check of its bits
+    // proves the same float (in the default floating-point environment;
+    // elsewhere, and for doubles, as the paths above).
+    BaselineFloatProduct,
+    Avx2FloatProduct,
+    Avx512FloatProduct,
 };
 
 // Whether the processor can run the path (Auto and Baseline: always).
@@ -36,6 +48,27 @@ bool xunSetConversionPath_(XunConversionPath_ path);
 
 // The path the array conversions use (never Auto).
 XunConversionPath_ xunConversionPathInUse_();
+
+// How Auto's path was chosen, once per process, at the first array
+// conversion (or the first call of this function or of
+// xunConversionPathInUse_): the path named by the environment variable
+// XUN_CONVERSION_PATH ("baseline", "avx2", "avx512", "baseline-product",
+// "avx2-product" or "avx512-product") when the processor supports it,
+// otherwise the fastest of the supported paths on a block in the first-level
+// cache (a path later in the list must be 2 % faster than an earlier one).
+struct XunConversionChoice_ {
+    static constexpr size_t kPaths = 6;
+    XunConversionPath_ path; // never Auto
+    bool forced;             // named by XUN_CONVERSION_PATH, nothing timed
+    // Every path, the simplest first; G elements per second on the timed
+    // block, 0 where not timed (unsupported or forced).
+    struct {
+        XunConversionPath_ path;
+        double doubles;
+        double floats;
+    } speeds[kPaths];
+};
+const XunConversionChoice_& xunConversionChoice_();
 
 // The factors and offsets of a unit-to-unit conversion.
 struct XunConversion_ {

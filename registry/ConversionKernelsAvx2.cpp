@@ -45,6 +45,23 @@ struct Avx2 {
     static D Widen(F x) { return _mm256_cvtps_pd(x); }
     static F Narrow(D x) { return _mm256_cvtpd_ps(x); }
 
+    // The FloatProduct plan's check (ConversionKernelsLoops.h). The bits below
+    // float precision are below 2^29, so a signed comparison sees them right.
+    static bool NarrowsAsQuotient(D q, __m128 convert) {
+        const D magnitude = _mm256_andnot_pd(_mm256_set1_pd(-0.0), q);
+        const D normal = _mm256_and_pd(_mm256_cmp_pd(magnitude, Set(kFloatNormalFrom), _CMP_GE_OQ),
+                                       _mm256_cmp_pd(magnitude, Set(kFloatNormalTo), _CMP_LT_OQ));
+        const D tiny = _mm256_cmp_pd(magnitude, Set(kTiny), _CMP_LT_OQ);
+        const __m256i below = _mm256_and_si256(
+            _mm256_sub_epi64(_mm256_castpd_si256(q), _mm256_set1_epi64x(static_cast<long long>(
+                                                         kMidpointBits - kNearMidpoint))),
+            _mm256_set1_epi64x(static_cast<long long>(kBelowFloatBits)));
+        const __m256i far = _mm256_cmpgt_epi64(
+            below, _mm256_set1_epi64x(static_cast<long long>(2 * kNearMidpoint)));
+        const D proven = _mm256_or_pd(_mm256_and_pd(normal, _mm256_castsi256_pd(far)), tiny);
+        return (_mm_movemask_ps(convert) & ~_mm256_movemask_pd(proven)) == 0;
+    }
+
     // The first n lanes, for the masked loads and stores of partial vectors
     // (which do not touch the other lanes' memory).
     static __m256i FirstLanes(size_t n) {

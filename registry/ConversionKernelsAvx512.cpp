@@ -48,6 +48,22 @@ struct Avx512 {
     static D Widen(F x) { return _mm512_maskz_cvtps_pd(0xFF, x); }
     static F Narrow(D x) { return _mm512_maskz_cvtpd_ps(0xFF, x); }
 
+    // The FloatProduct plan's check (ConversionKernelsLoops.h).
+    static bool NarrowsAsQuotient(D q, M convert) {
+        const D magnitude = _mm512_abs_pd(q);
+        const M normal = _mm512_mask_cmp_pd_mask(
+            _mm512_cmp_pd_mask(magnitude, Set(kFloatNormalFrom), _CMP_GE_OQ), magnitude,
+            Set(kFloatNormalTo), _CMP_LT_OQ);
+        const M tiny = _mm512_cmp_pd_mask(magnitude, Set(kTiny), _CMP_LT_OQ);
+        const __m512i below = _mm512_and_si512(
+            _mm512_sub_epi64(_mm512_castpd_si512(q), _mm512_set1_epi64(static_cast<long long>(
+                                                         kMidpointBits - kNearMidpoint))),
+            _mm512_set1_epi64(static_cast<long long>(kBelowFloatBits)));
+        const M far = _mm512_mask_cmpgt_epu64_mask(
+            normal, below, _mm512_set1_epi64(static_cast<long long>(2 * kNearMidpoint)));
+        return (convert & static_cast<M>(~(far | tiny))) == 0;
+    }
+
     static M FirstLanes(size_t n) { return static_cast<M>((1u << n) - 1u); }
 
     static D Load(const double* at, AllLanes) { return _mm512_loadu_pd(at); }

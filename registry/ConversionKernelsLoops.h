@@ -12,6 +12,16 @@
 //   BelowOrAbove(x, del)   per lane of D or F: x < del or x > del (false for
 //                       equal and for NaN), as a mask for Store
 //   Widen(x), Narrow(x) F to D (exact; D to D: x itself), D to F (rounded)
+//   NarrowsAsQuotient(q, convert)
+//                       for the FloatProduct plan (floats): true when every lane
+//                       of q = a * y where convert (the mask of
+//                       BelowOrAbove on floats) is set passes the check that
+//                       proves Narrow(q) equal to Narrow(a / f2): the
+//                       magnitude of q is below 2^-151, or it lies in
+//                       [2^-126, 2^128) and the 29 bits of its significand
+//                       below float precision are not within kNearMidpoint
+//                       of the pattern of a midpoint between floats
+//                       (100...0); see docs/kernels.md
 //   Load(at, lanes), Store(at, convert, converted, original, lanes)
 //                       for double and float elements, where lanes is
 //                       AllLanes or a count below kLanes (the first lanes;
@@ -46,6 +56,20 @@ const size_t kLineBytes = 64;
 // A whole vector, as the lanes argument of Load and Store.
 struct AllLanes {};
 
+// The FloatProduct plan's check on the bits of a double q (docs/kernels.md):
+// the bits of q's significand below float precision, and how close to the
+// pattern of a midpoint they may come (the proof needs 7 units of the last
+// place; 16 leaves a margin).
+const uint64_t kBelowFloatBits = (uint64_t{1} << 29) - 1;
+const uint64_t kMidpointBits = uint64_t{1} << 28;
+const uint64_t kNearMidpoint = 16;
+// The magnitudes (as doubles) of the range where the check applies: from
+// 2^-126, the smallest normal float, up to (not including) 2^128; and below
+// kTiny = 2^-151, where q and the quotient both narrow to a zero.
+const double kFloatNormalFrom = 0x1p-126;
+const double kFloatNormalTo = 0x1p128;
+const double kTiny = 0x1p-151;
+
 #define XUN_ALWAYS_INLINE inline __attribute__((always_inline))
 
 // The plan's factors and offsets in every lane.
@@ -65,6 +89,25 @@ XUN_ALWAYS_INLINE typename S::D Convert(const Constants<S>& k, typename S::D x) 
         return S::Div(a, k.f2);
 }
 
+// The FloatProduct plan for one vector of floats (see XunDivision_ and
+// docs/kernels.md): q = a * y narrowed to float wherever the check proves it
+// to be the float of the rounded quotient; when a lane to convert is not
+// proven, the whole vector is divided instead (rare: about one element in
+// 10^7 of ordinary data, and elements whose result is not a normal float and
+// not zero).
+template <class S, class Lanes>
+XUN_ALWAYS_INLINE void StepFloatProduct(const Constants<S>& k, typename S::F del, float* at,
+                                        Lanes lanes) {
+    const typename S::F original = S::Load(at, lanes);
+    const auto convert = S::BelowOrAbove(original, del);
+    const typename S::D x = S::Widen(original);
+    const typename S::D a = S::Sub(S::Add(S::Mul(x, k.f1), k.o1), k.o2);
+    typename S::D q = S::Mul(a, k.y);
+    if (__builtin_expect(!S::NarrowsAsQuotient(q, convert), 0))
+        q = S::Div(a, k.f2);
+    S::Store(at, convert, S::Narrow(q), original, lanes);
+}
+
 // Converts the lanes of one vector of elements at at; del is the delete value
 // in every lane, as an element. The conversion is computed for every lane and
 // stored only where the element is below or above the delete value, compared
@@ -74,12 +117,17 @@ XUN_ALWAYS_INLINE typename S::D Convert(const Constants<S>& k, typename S::D x) 
 // floating-point traps.
 template <class S, XunDivision_ Division, class T, class V, class Lanes>
 XUN_ALWAYS_INLINE void Step(const Constants<S>& k, V del, T* at, Lanes lanes) {
-    const V original = S::Load(at, lanes);
-    const typename S::D converted = Convert<S, Division>(k, S::Widen(original));
-    if constexpr (std::is_same_v<T, double>)
-        S::Store(at, S::BelowOrAbove(original, del), converted, original, lanes);
-    else
-        S::Store(at, S::BelowOrAbove(original, del), S::Narrow(converted), original, lanes);
+    if constexpr (Division == XunDivision_::FloatProduct) {
+        static_assert(std::is_same_v<T, float>, "the FloatProduct plan is for floats");
+        StepFloatProduct<S>(k, del, at, lanes);
+    } else {
+        const V original = S::Load(at, lanes);
+        const typename S::D converted = Convert<S, Division>(k, S::Widen(original));
+        if constexpr (std::is_same_v<T, double>)
+            S::Store(at, S::BelowOrAbove(original, del), converted, original, lanes);
+        else
+            S::Store(at, S::BelowOrAbove(original, del), S::Narrow(converted), original, lanes);
+    }
 }
 
 // The vectors of one block.
@@ -133,6 +181,13 @@ void Loop(const XunArrayPlan_& plan, T* values, size_t count, T deleteValue) {
 template <class S, class T>
 void ConvertArray(const XunArrayPlan_& plan, T* values, size_t count, T deleteValue) {
     const bool prefetch = count * sizeof(T) >= kPrefetchFromBytes;
+    if constexpr (std::is_same_v<T, float>) {
+        if (plan.division == XunDivision_::FloatProduct) {
+            prefetch ? Loop<S, XunDivision_::FloatProduct, true>(plan, values, count, deleteValue)
+                     : Loop<S, XunDivision_::FloatProduct, false>(plan, values, count, deleteValue);
+            return;
+        }
+    }
     if (plan.division == XunDivision_::Multiply)
         prefetch ? Loop<S, XunDivision_::Multiply, true>(plan, values, count, deleteValue)
                  : Loop<S, XunDivision_::Multiply, false>(plan, values, count, deleteValue);

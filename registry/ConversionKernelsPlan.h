@@ -10,6 +10,11 @@
 enum class XunDivision_ {
     Divide,   // a true division of every element
     Multiply, // a multiplication by the exact reciprocal of a power of two
+    // Float arrays in the default floating-point environment only: the
+    // product with the rounded reciprocal, narrowed to float, wherever it is
+    // proven to give the float of the rounded quotient; every vector with a
+    // lane not proven is divided (docs/kernels.md).
+    FloatProduct,
 };
 
 // The per-call constants of a conversion.
@@ -18,7 +23,7 @@ struct XunArrayPlan_ {
     double o1;
     double o2;
     double f2;
-    double y; // 1 / f2, exact (Multiply only)
+    double y; // 1 / f2: exact (Multiply), rounded and normal (FloatProduct)
     XunDivision_ division;
 };
 

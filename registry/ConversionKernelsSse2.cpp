@@ -1,6 +1,5 @@
 // The array conversion loops for SSE2, which every x86-64 processor has, and
-// its vector traits for ConversionKernelsLoops.h. No fused multiply-add, so no
-// Reciprocal plan.
+// its vector traits for ConversionKernelsLoops.h.
 //
 // A vector here is a pair of SSE2 registers: four doubles, and four floats in
 // one register, so that a float vector is loaded, widened, narrowed and
@@ -69,6 +68,29 @@ struct Sse2 {
             _mm_store_sd(at, v.lo);
         if (n == 3)
             _mm_store_sd(at + 2, v.hi);
+    }
+
+    // The FloatProduct plan's check (ConversionKernelsLoops.h), as a bit per
+    // lane of one register. The bits below float precision are below 2^29:
+    // they and their comparison fit the low 32 bits of each lane, whose mask
+    // is then copied to the high 32 bits.
+    static int ProvenLanes(__m128d q) {
+        const __m128d magnitude = _mm_andnot_pd(_mm_set1_pd(-0.0), q);
+        const __m128d normal = _mm_and_pd(_mm_cmpge_pd(magnitude, _mm_set1_pd(kFloatNormalFrom)),
+                                          _mm_cmplt_pd(magnitude, _mm_set1_pd(kFloatNormalTo)));
+        const __m128d tiny = _mm_cmplt_pd(magnitude, _mm_set1_pd(kTiny));
+        const __m128i below = _mm_and_si128(
+            _mm_sub_epi64(_mm_castpd_si128(q),
+                          _mm_set1_epi64x(static_cast<long long>(kMidpointBits - kNearMidpoint))),
+            _mm_set1_epi64x(static_cast<long long>(kBelowFloatBits)));
+        const __m128i far = _mm_shuffle_epi32(
+            _mm_cmpgt_epi32(below, _mm_set1_epi32(static_cast<int>(2 * kNearMidpoint))),
+            _MM_SHUFFLE(2, 2, 0, 0));
+        return _mm_movemask_pd(_mm_or_pd(_mm_and_pd(normal, _mm_castsi128_pd(far)), tiny));
+    }
+    static bool NarrowsAsQuotient(D q, __m128 convert) {
+        const int proven = ProvenLanes(q.lo) | (ProvenLanes(q.hi) << 2);
+        return (_mm_movemask_ps(convert) & ~proven) == 0;
     }
 
     // Two floats, as the low half of a register.

@@ -4,21 +4,13 @@
 
 #include "units/KVexpr.h"
 
-namespace {
-
 // Never destroyed: the objects of the process-wide registry live until the
 // process ends, also while other static objects are destroyed.
-CKVregistries* Registries_ = new CKVregistries();
-
-} // namespace
-
-CKVregistries& xunRegistries_() {
-    return *Registries_;
-}
+CKVregistries* xunRegistriesInstance_ = new CKVregistries();
 
 void xunResetRegistries_() {
-    CKVregistries* old = Registries_;
-    Registries_ = new CKVregistries();
+    CKVregistries* old = xunRegistriesInstance_;
+    xunRegistriesInstance_ = new CKVregistries();
     delete old;
 }
 
@@ -36,9 +28,9 @@ std::unique_ptr<CKVregistries> CKVregistries::Copy() const {
     for (const CKVitemType* item : itemTypes) {
         std::unique_ptr<CKVdimension> dimension(
             item->m_pDimension != nullptr ? new CKVdimension(*item->m_pDimension) : nullptr);
-        std::unique_ptr<CKVitemType> clone(new CKVitemType(
-            item->m_strKey, item->m_nNumId, item->m_strIdent,
-            dimension ? *dimension : CKVdimension::GetNonDim()));
+        std::unique_ptr<CKVitemType> clone(
+            new CKVitemType(item->m_strKey, item->m_nNumId, item->m_strIdent,
+                            dimension ? *dimension : CKVdimension::GetNonDim()));
         if (!dimension)
             clone->m_pDimension = nullptr;
         clone->m_lUserUnit = item->m_lUserUnit;

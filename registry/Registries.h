@@ -33,8 +33,12 @@ class CKVregistries {
     void CheckInvariants() const;
 };
 
-// The process-wide registry.
-CKVregistries& xunRegistries_();
+// The process-wide registry. (Inline, through the pointer that
+// xunResetRegistries_ replaces: a single conversion looks it up on every call.)
+extern CKVregistries* xunRegistriesInstance_;
+inline CKVregistries& xunRegistries_() {
+    return *xunRegistriesInstance_;
+}
 
 // Replaces the process-wide registry with an empty one and frees the old one
 // with everything it holds. For tests and fuzz targets that need a fresh

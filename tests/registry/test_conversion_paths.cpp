@@ -43,8 +43,39 @@ const char* PathName(Path path) {
         return "Avx2";
     case Path::Avx512:
         return "Avx512";
+    case Path::BaselineFloatProduct:
+        return "BaselineFloatProduct";
+    case Path::Avx2FloatProduct:
+        return "Avx2FloatProduct";
+    case Path::Avx512FloatProduct:
+        return "Avx512FloatProduct";
     }
     return "?";
+}
+
+const Path kEveryPath[] = {Path::Baseline,         Path::Avx2,
+                           Path::Avx512,           Path::BaselineFloatProduct,
+                           Path::Avx2FloatProduct, Path::Avx512FloatProduct};
+
+// The name XUN_CONVERSION_PATH gives a path.
+std::string EnvironmentName(Path path) {
+    switch (path) {
+    case Path::Baseline:
+        return "baseline";
+    case Path::Avx2:
+        return "avx2";
+    case Path::Avx512:
+        return "avx512";
+    case Path::BaselineFloatProduct:
+        return "baseline-product";
+    case Path::Avx2FloatProduct:
+        return "avx2-product";
+    case Path::Avx512FloatProduct:
+        return "avx512-product";
+    case Path::Auto:
+        break;
+    }
+    return "";
 }
 
 uint64_t Bits(double d) {
@@ -468,7 +499,10 @@ TEST_P(ConversionPath, FloatRoundingBoundaries) {
     const double maxFloat = static_cast<double>(std::numeric_limits<float>::max());
     for (double m : {maxFloat, maxFloat + 0x1p103, maxFloat - 0x1p103, 0x1p-126,
                      0x1p-126 - 0x1p-150, 0x1p-126 + 0x1p-150, 0x1p-149, 0x1p-150, 0x1.8p-149,
-                     0x1p-127 + 0x1p-150, 1.0, 1.0 + 0x1p-24, 1.0 - 0x1p-25, 3.0 + 0x1p-23})
+                     0x1p-127 + 0x1p-150, 1.0, 1.0 + 0x1p-24, 1.0 - 0x1p-25, 3.0 + 0x1p-23,
+                     // the edges of the float product's check: 2^-151, 2^-126, 2^128
+                     0x1p-151, 0x1p-151 + 0x1p-175, 0x1p-151 - 0x1p-176, 0x1p-152, 0x1p-127,
+                     0x1p-126 - 0x1p-160, 0x1p128, 0x1p128 - 0x1p90, 0x1p128 + 0x1p90})
         targets.push_back(m);
     for (int k = 0; k < 200; ++k) {
         // A random float, its two midpoints, and a power of two's.
@@ -635,27 +669,93 @@ TEST_P(ConversionPath, ExtremeFactorsInEveryEnvironment) {
     }
 }
 
-INSTANTIATE_TEST_SUITE_P(Variants, ConversionPath,
-                         testing::Values(Path::Baseline, Path::Avx2, Path::Avx512),
+INSTANTIATE_TEST_SUITE_P(Variants, ConversionPath, testing::ValuesIn(kEveryPath),
                          [](const testing::TestParamInfo<Path>& info) {
                              return std::string(PathName(info.param));
                          });
 
-TEST(ConversionPathSelection, AutoPicksTheWidestSupportedPath) {
+// The path XUN_CONVERSION_PATH names, if it names one ("baseline", "avx2",
+// "avx512", "baseline-product", ...); Auto otherwise.
+Path NamedPath() {
+    const char* name = std::getenv("XUN_CONVERSION_PATH");
+    if (name == nullptr)
+        return Path::Auto;
+    for (Path path : kEveryPath)
+        if (EnvironmentName(path) == name)
+            return path;
+    return Path::Auto;
+}
+
+// Auto runs the path chosen once for the process: the one XUN_CONVERSION_PATH
+// names when the processor supports it (CTest runs this test with each name
+// and with a name of no path), otherwise the fastest of the supported paths
+// on the timed block, where a wider path must be more than 2 % faster than a
+// simpler one.
+TEST(ConversionPathSelection, AutoRunsTheChosenSupportedPath) {
     ASSERT_TRUE(xunSetConversionPath_(Path::Auto));
+    const XunConversionChoice_& choice = xunConversionChoice_();
     const Path chosen = xunConversionPathInUse_();
-    if (xunConversionPathSupported_(Path::Avx512))
-        EXPECT_EQ(chosen, Path::Avx512);
-    else if (xunConversionPathSupported_(Path::Avx2))
-        EXPECT_EQ(chosen, Path::Avx2);
-    else
-        EXPECT_EQ(chosen, Path::Baseline);
-    EXPECT_TRUE(xunConversionPathSupported_(Path::Baseline));
+    EXPECT_EQ(chosen, choice.path);
+    EXPECT_NE(chosen, Path::Auto);
+    EXPECT_TRUE(xunConversionPathSupported_(chosen));
+    const Path named = NamedPath();
+    if (named != Path::Auto && xunConversionPathSupported_(named)) {
+        EXPECT_TRUE(choice.forced);
+        EXPECT_EQ(chosen, named);
+        for (const auto& speed : choice.speeds) {
+            EXPECT_EQ(speed.doubles, 0.0);
+            EXPECT_EQ(speed.floats, 0.0);
+        }
+        return;
+    }
+    EXPECT_FALSE(choice.forced);
+    // Time per element of each path, doubles and floats together.
+    double chosenTime = 0.0;
+    for (const auto& speed : choice.speeds) {
+        const bool supported = xunConversionPathSupported_(speed.path);
+        EXPECT_EQ(speed.doubles > 0.0, supported) << PathName(speed.path);
+        EXPECT_EQ(speed.floats > 0.0, supported) << PathName(speed.path);
+        if (speed.path == chosen)
+            chosenTime = 1.0 / speed.doubles + 1.0 / speed.floats;
+    }
+    ASSERT_GT(chosenTime, 0.0);
+    bool simpler = true; // the speeds list the simplest path first
+    for (const auto& speed : choice.speeds) {
+        if (speed.path == chosen) {
+            simpler = false;
+            continue;
+        }
+        if (!xunConversionPathSupported_(speed.path))
+            continue;
+        const double time = 1.0 / speed.doubles + 1.0 / speed.floats;
+        if (simpler) // a simpler path as fast would have been kept
+            EXPECT_GT(time, chosenTime * (1 - 1e-12)) << PathName(speed.path);
+        else // a wider path would have had to be 2 % faster
+            EXPECT_GE(time, chosenTime * (1 - 0.02) * (1 - 1e-12)) << PathName(speed.path);
+    }
+}
+
+// Whatever path the process chose, it gives the stepwise bits.
+TEST(ConversionPathSelection, AutoConvertsAsTheStepwiseFormula) {
+    ASSERT_TRUE(xunSetConversionPath_(Path::Auto));
+    Numbers numbers(11);
+    for (int round = 0; round < 200; ++round) {
+        const XunConversion_ c = numbers.Conversion();
+        const double del = numbers.DeleteValue();
+        std::vector<double> values(1 + numbers.Next() % 500);
+        for (double& x : values)
+            x = numbers.Value(c, del);
+        ASSERT_TRUE(Check(c, values.data(), values.size(), del));
+        std::vector<float> floats(values.size());
+        for (size_t i = 0; i < values.size(); ++i)
+            floats[i] = static_cast<float>(values[i]);
+        ASSERT_TRUE(Check(c, floats.data(), floats.size(), static_cast<float>(del)));
+    }
 }
 
 TEST(ConversionPathSelection, UnsupportedPathIsRefused) {
     ASSERT_TRUE(xunSetConversionPath_(Path::Baseline));
-    for (Path path : {Path::Avx2, Path::Avx512}) {
+    for (Path path : kEveryPath) {
         if (!xunConversionPathSupported_(path)) {
             EXPECT_FALSE(xunSetConversionPath_(path));
             EXPECT_EQ(xunConversionPathInUse_(), Path::Baseline);
