@@ -252,6 +252,7 @@ class StringIndex : public CKVunitRegistryCache {
   private:
     void AddName(std::string_view name, const CKVunit& unit, NameKind kind);
     void AddNames(const CKVunit& unit, NameKind only);
+    void AddMeaning(const CKVunit& unit);
     void List(std::string_view name);
 };
 
@@ -270,12 +271,22 @@ void StringIndex::List(std::string_view name) {
     nameList.push_back(name);
 }
 
+// Units that xunParseUnit registered: their names are renderings of their
+// meaning, which they are found by anyway. They are found by these names
+// exactly, but take no prefix, match no other case and are nobody's near
+// name, so that what a text means never depends on the texts read before.
+bool IsParsed(const CKVunit& unit) {
+    return unit.m_strIdent.compare(0, 4, "xun:") == 0;
+}
+
 void StringIndex::AddName(std::string_view name, const CKVunit& unit, NameKind kind) {
     const auto found = names.find(name);
     if (found == names.end())
         names.emplace(name, Named{&unit, kind});
     else if (kind < found->second.kind)
         found->second = Named{&unit, kind};
+    if (IsParsed(unit))
+        return;
     std::vector<Spelled>& same = folded[FoldCase(name)];
     bool present = false;
     for (const Spelled& spelled : same)
@@ -286,6 +297,7 @@ void StringIndex::AddName(std::string_view name, const CKVunit& unit, NameKind k
 }
 
 void StringIndex::AddNames(const CKVunit& unit, NameKind only) {
+    const bool targets = !IsParsed(unit);
     if (only == kIdent) {
         AddName(unit.m_strIdent, unit, kIdent);
         return;
@@ -293,7 +305,7 @@ void StringIndex::AddNames(const CKVunit& unit, NameKind only) {
     if (only == kAbbreviation) {
         if (!unit.m_strAbbr.empty()) {
             AddName(unit.m_strAbbr, unit, kAbbreviation);
-            if (IsSymbolLike(unit.m_strAbbr))
+            if (targets && IsSymbolLike(unit.m_strAbbr))
                 symbolTargets.emplace(unit.m_strAbbr, &unit);
         }
         return;
@@ -305,22 +317,38 @@ void StringIndex::AddNames(const CKVunit& unit, NameKind only) {
     const std::string_view plural = owned.back();
     AddName(desc, unit, kDescriptionOrAlias);
     AddName(plural, unit, kDescriptionOrAlias);
-    if (IsLowerWord(desc)) {
+    if (targets && IsLowerWord(desc)) {
         wordTargets.emplace(desc, &unit);
         wordTargets.emplace(plural, &unit);
     }
     if (!desc.empty() && desc.back() == 's') {
         const std::string_view singular = std::string_view(desc).substr(0, desc.size() - 1);
         AddName(singular, unit, kDescriptionOrAlias);
-        if (IsLowerWord(singular))
+        if (targets && IsLowerWord(singular))
             wordTargets.emplace(singular, &unit);
     }
     for (const std::string& alias : unit.m_lstAlias) {
         AddName(alias, unit, kDescriptionOrAlias);
-        if (IsSymbolLike(alias))
+        if (targets && IsSymbolLike(alias))
             symbolTargets.emplace(alias, &unit);
-        if (IsLowerWord(alias))
+        if (targets && IsLowerWord(alias))
             wordTargets.emplace(alias, &unit);
+    }
+}
+
+void StringIndex::AddMeaning(const CKVunit& unit) {
+    if (!IsParsed(unit)) {
+        List(unit.m_strIdent);
+        List(unit.m_strDesc);
+        for (const std::string& alias : unit.m_lstAlias)
+            List(alias);
+        List(unit.m_strAbbr);
+    }
+    if (unit.m_lKey != 0 && IsUsable(unit)) {
+        const XunUnitValue value = ValueOf(unit);
+        DimKey key;
+        if (KeyOf(value.powers, key))
+            byDimension[key].push_back(Candidate{&unit, value});
     }
 }
 
@@ -328,17 +356,7 @@ void StringIndex::Add(const CKVunit& unit) {
     AddNames(unit, kIdent);
     AddNames(unit, kDescriptionOrAlias);
     AddNames(unit, kAbbreviation);
-    List(unit.m_strIdent);
-    List(unit.m_strDesc);
-    for (const std::string& alias : unit.m_lstAlias)
-        List(alias);
-    List(unit.m_strAbbr);
-    if (unit.m_lKey != 0 && IsUsable(unit)) {
-        const XunUnitValue value = ValueOf(unit);
-        DimKey key;
-        if (KeyOf(value.powers, key))
-            byDimension[key].push_back(Candidate{&unit, value});
-    }
+    AddMeaning(unit);
 }
 
 void StringIndex::Build(const CKVunitRegistry& units) {
@@ -362,19 +380,8 @@ void StringIndex::Build(const CKVunitRegistry& units) {
         AddNames(*unit, kDescriptionOrAlias);
     for (const CKVunit* unit : units)
         AddNames(*unit, kAbbreviation);
-    for (const CKVunit* unit : units) {
-        List(unit->m_strIdent);
-        List(unit->m_strDesc);
-        for (const std::string& alias : unit->m_lstAlias)
-            List(alias);
-        List(unit->m_strAbbr);
-        if (unit->m_lKey != 0 && IsUsable(*unit)) {
-            const XunUnitValue value = ValueOf(*unit);
-            DimKey key;
-            if (KeyOf(value.powers, key))
-                byDimension[key].push_back(Candidate{unit, value});
-        }
-    }
+    for (const CKVunit* unit : units)
+        AddMeaning(*unit);
     generation = units.Generation();
 }
 
@@ -429,9 +436,12 @@ std::string MicroSign(std::string_view text) {
     return replaced;
 }
 
+// The names of a registry as atoms: exact (and with the Greek mu read as
+// the micro sign), then a prefix before an exact name; with foldCase, then a
+// name that matches without case, when it names one unit.
 class RegistryAtoms : public IUnitAtoms {
   public:
-    explicit RegistryAtoms(const StringIndex& index) : m_index(index) {}
+    RegistryAtoms(const StringIndex& index, bool foldCase) : m_index(index), m_foldCase(foldCase) {}
 
     XunAtomLookup FindAtom(std::string_view name, bool singleWord, XunAtom& atom) const override {
         if (const Named* named = m_index.FindName(name))
@@ -458,6 +468,8 @@ class RegistryAtoms : public IUnitAtoms {
                 }
             }
         }
+        if (!m_foldCase)
+            return XunAtomLookup::Unknown;
         const auto same = m_index.folded.find(FoldCase(name));
         if (same == m_index.folded.end())
             return XunAtomLookup::Unknown;
@@ -477,6 +489,7 @@ class RegistryAtoms : public IUnitAtoms {
     }
 
     const StringIndex& m_index;
+    bool m_foldCase;
 };
 
 // ---- Near names --------------------------------------------------------------
@@ -573,6 +586,22 @@ struct Reading {
     XunParsedUnit parsed;           // else its meaning
 };
 
+// A text found as a name: the unit, unless it cannot be an answer.
+int Named_(const CKVunit* unit, std::string_view trimmed, Reading& reading, std::string& message) {
+    if (unit->m_lKey == 0) {
+        message = "'" + Printable(trimmed) + "' names the unit '" + Printable(unit->m_strIdent) +
+                  "' of key 0, which converts nothing";
+        return XUN_ERR_NO_REAL_UNIT;
+    }
+    if (!IsUsable(*unit)) {
+        message = "'" + Printable(trimmed) + "' names the unit '" + Printable(unit->m_strIdent) +
+                  "', which has no valid dimension or the factor 0";
+        return XUN_ERR_EXPRESSION;
+    }
+    reading.named = unit;
+    return XUN_OK;
+}
+
 // The name step and the grammar: XUN_OK with reading.named or
 // reading.parsed, else a failure.
 int Read(const StringIndex& index, std::string_view text, Reading& reading, std::string& message) {
@@ -581,40 +610,31 @@ int Read(const StringIndex& index, std::string_view text, Reading& reading, std:
         message = "the text is empty";
         return XUN_ERR_EXPRESSION;
     }
-    // First as a name, byte for byte; then with the Greek mu read as the
-    // micro sign; then with case ignored, when that names one unit.
+    // Case counts first: the text as a name, byte for byte (then with the
+    // Greek mu read as the micro sign); then the text through the grammar
+    // with names and prefixes as written. Only where that finds no name,
+    // case is ignored: the text as a name that one unit has, then the
+    // grammar with every name that is none as written matched without case.
     const Named* named = index.FindName(trimmed);
-    std::string micro;
-    if (named == nullptr && trimmed.find("\xCE\xBC") != std::string_view::npos) {
-        micro = MicroSign(trimmed);
-        named = index.FindName(micro);
-    }
-    if (named == nullptr) {
+    if (named == nullptr && trimmed.find("\xCE\xBC") != std::string_view::npos)
+        named = index.FindName(MicroSign(trimmed));
+    if (named != nullptr)
+        return Named_(named->unit, trimmed, reading, message);
+    XunParseError error;
+    const RegistryAtoms exact(index, false);
+    if (!xunParseUnitString_(text, exact, XunParseOptions(), reading.parsed, error)) {
+        if (error.code != XUN_ERR_NOT_FOUND) {
+            message = ParseFailure(index, text, error);
+            return error.code;
+        }
         const auto same = index.folded.find(FoldCase(trimmed));
         if (same != index.folded.end() && same->second.size() == 1)
-            reading.named = same->second.front().unit;
-    } else {
-        reading.named = named->unit;
-    }
-    if (reading.named != nullptr) {
-        if (reading.named->m_lKey == 0) {
-            message = "'" + Printable(trimmed) + "' names the unit '" +
-                      Printable(reading.named->m_strIdent) + "' of key 0, which converts nothing";
-            return XUN_ERR_NO_REAL_UNIT;
+            return Named_(same->second.front().unit, trimmed, reading, message);
+        const RegistryAtoms folding(index, true);
+        if (!xunParseUnitString_(text, folding, XunParseOptions(), reading.parsed, error)) {
+            message = ParseFailure(index, text, error);
+            return error.code;
         }
-        if (!IsUsable(*reading.named)) {
-            message = "'" + Printable(trimmed) + "' names the unit '" +
-                      Printable(reading.named->m_strIdent) +
-                      "', which has no valid dimension or the factor 0";
-            return XUN_ERR_EXPRESSION;
-        }
-        return XUN_OK;
-    }
-    RegistryAtoms atoms(index);
-    XunParseError error;
-    if (!xunParseUnitString_(text, atoms, XunParseOptions(), reading.parsed, error)) {
-        message = ParseFailure(index, text, error);
-        return error.code;
     }
     // A single name as written (in parentheses, or spelled with other
     // blanks, in another case) is that unit itself.
@@ -837,7 +857,7 @@ std::string AtomText(StringIndex& index, const CKVunitRegistry& units, const Xun
                                              : xunPrefixAsciiSymbol_(prefix)) +
             text;
         XunAtom atom;
-        RegistryAtoms atoms(index);
+        const RegistryAtoms atoms(index, false);
         if (atoms.FindAtom(joined, true, atom) == XunAtomLookup::Found &&
             xunValuesAgree_(atom.value, PrefixedAtom(*unit, prefix).value, false))
             return joined;
@@ -1091,7 +1111,9 @@ int Register(CKVunitRegistry& units, StringIndex& index, const XunParsedUnit& pa
         created->m_dDimFactors[i] = value.dimFactors[i];
     created->m_dOffset = value.offset;
     created->m_strIdent = ident;
-    created->m_strDesc = ascii;
+    // Not the text alone: the singular/plural rule of the name search would
+    // read "kg*m" + "s" as the name of it, which is another unit's text.
+    created->m_strDesc = ascii + " (parsed)";
     created->m_strAbbr = unicode;
     created->m_strExpr = std::string(Trim(text));
     created->m_lKey = key;
