@@ -282,7 +282,9 @@ class Parser {
     bool ParsePower(XunParsedUnit& out, Kind& kind);
     bool ParseBasic(XunParsedUnit& out, Kind& kind);
     bool ParseName(XunParsedUnit& out, Kind& kind, bool allowModifier);
-    bool ParseNumber(double& value, bool allowSign, bool nonZero);
+    // exponent: a '.' belongs to the number only when a digit follows it,
+    // so that "m^2.s" is m² times s, as in UDUNITS-2.
+    bool ParseNumber(double& value, bool allowSign, bool nonZero, bool exponent = false);
     bool ParseExponentValue(double& exponent);
     // 1 when an exponent was read, 0 when none is written here, -1 on an
     // error.
@@ -745,13 +747,13 @@ bool Parser::ParseExponentValue(double& exponent) {
         ++m_pos;
         exponent = numerator;
     } else {
-        if (!ParseNumber(exponent, true, false))
+        if (!ParseNumber(exponent, true, false, true))
             return false;
     }
     return CheckExponent(exponent, at);
 }
 
-bool Parser::ParseNumber(double& value, bool allowSign, bool nonZero) {
+bool Parser::ParseNumber(double& value, bool allowSign, bool nonZero, bool exponent) {
     const std::size_t at = m_pos;
     bool negative = false;
     std::size_t length = 0;
@@ -767,7 +769,7 @@ bool Parser::ParseNumber(double& value, bool allowSign, bool nonZero) {
         ++pos;
         digits = true;
     }
-    if (Peek(pos) == '.') {
+    if (Peek(pos) == '.' && (!exponent || IsDigit(Peek(pos + 1)))) {
         ++pos;
         while (IsDigit(Peek(pos))) {
             ++pos;
