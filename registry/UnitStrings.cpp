@@ -9,6 +9,7 @@
 #include <map>
 #include <memory>
 #include <string_view>
+#include <typeinfo>
 #include <unordered_map>
 #include <utility>
 #include <vector>
@@ -196,7 +197,7 @@ struct TextSlot {
     const std::string* text;
 };
 
-class StringIndex : public CKVunitRegistryCache {
+class StringIndex final : public CKVunitRegistryCache {
   public:
     unsigned long long generation = ~0ull;
     std::unordered_map<std::string_view, Named> names;
@@ -386,7 +387,12 @@ void StringIndex::Build(const CKVunitRegistry& units) {
 }
 
 StringIndex& IndexOf(CKVunitRegistry& units) {
-    StringIndex* index = dynamic_cast<StringIndex*>(units.Cache());
+    // The exact type, which is cheaper to ask than a dynamic_cast on every
+    // call; another kind of derived data is replaced.
+    CKVunitRegistryCache* cache = units.Cache();
+    StringIndex* index = cache != nullptr && typeid(*cache) == typeid(StringIndex)
+                             ? static_cast<StringIndex*>(cache)
+                             : nullptr;
     if (index == nullptr) {
         std::unique_ptr<CKVunitRegistryCache> created(new StringIndex);
         index = static_cast<StringIndex*>(created.get());

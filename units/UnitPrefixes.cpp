@@ -41,6 +41,9 @@ const double kPowersOfTen[] = {1e0,  1e1,  1e2,  1e3,  1e4,  1e5,  1e6,  1e7,  1
                                1e18, 1e19, 1e20, 1e21, 1e22, 1e23, 1e24};
 
 bool StartsWith(std::string_view text, const char* start) {
+    // The first byte decides for most prefixes.
+    if (text.empty() || text[0] != start[0])
+        return false;
     const std::size_t length = std::strlen(start);
     return text.size() > length && text.compare(0, length, start) == 0;
 }

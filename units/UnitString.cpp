@@ -34,6 +34,11 @@ using xun::contract::kUnitStringMaxLength;
 using xun::contract::kUnitStringMaxNumberLength;
 
 const int kBases = CKVdimension::kBaseCount;
+
+// The terms an atom's operand makes room for: the first operand of a
+// product collects the terms of the others, which then need no new memory
+// up to this many atoms.
+const std::size_t kTermsReserved = 4;
 const char* const kDimensionNames[kBases] = {"length",
                                              "mass",
                                              "time",
@@ -187,10 +192,16 @@ XunUnitValue NumberOver(double d, const XunUnitValue& u) {
     return r;
 }
 
+// std::pow, without the call where the result is known: 1 to any power is
+// 1 (also to a NaN power, as std::pow has it).
+double Power(double base, double exponent) {
+    return base == 1.0 ? 1.0 : std::pow(base, exponent);
+}
+
 void PowerValue(XunUnitValue& u, double exponent) {
     for (int i = 0; i < kBases; ++i)
         u.powers[i] = u.powers[i] * exponent;
-    FreshValue(u, std::pow(u.factor, exponent));
+    FreshValue(u, Power(u.factor, exponent));
 }
 
 XunParsedUnit NumberOperand(double value) {
@@ -240,10 +251,10 @@ void Divide(XunParsedUnit& a, const XunParsedUnit& b) {
 
 void Raise(XunParsedUnit& a, double exponent) {
     if (a.number)
-        a.value.factor = std::pow(a.value.factor, exponent);
+        a.value.factor = Power(a.value.factor, exponent);
     else
         PowerValue(a.value, exponent);
-    a.numberPart = std::pow(a.numberPart, exponent);
+    a.numberPart = Power(a.numberPart, exponent);
     for (XunTerm& term : a.terms)
         term.exponent *= exponent;
     RemoveZeroTerms(a.terms);
@@ -301,6 +312,12 @@ class Parser {
     bool Unexpected(std::size_t at);
 
     unsigned long Peek(std::size_t at, std::size_t* length = nullptr) const {
+        // ASCII, most of any text, without the decoder.
+        if (at < m_end && static_cast<unsigned char>(m_text[at]) < 0x80) {
+            if (length != nullptr)
+                *length = 1;
+            return static_cast<unsigned char>(m_text[at]);
+        }
         unsigned long c = 0;
         std::size_t n = at < m_end ? xunDecodeUtf8_(m_text, at, c) : 0;
         if (length != nullptr)
@@ -902,6 +919,7 @@ bool Parser::ParseName(XunParsedUnit& out, Kind& kind, bool allowModifier) {
         if (m_atoms.FindAtom(name, false, atom) == XunAtomLookup::Found) {
             m_pos = words[n - 1].end;
             out = XunParsedUnit();
+            out.terms.reserve(kTermsReserved);
             out.value = atom.value;
             out.bare = true;
             out.terms.push_back(XunTerm{atom.key, atom.prefix, 1.0});
@@ -926,6 +944,7 @@ bool Parser::ParseName(XunParsedUnit& out, Kind& kind, bool allowModifier) {
     if (found == XunAtomLookup::Found) {
         m_pos = words[0].end;
         out = XunParsedUnit();
+        out.terms.reserve(kTermsReserved);
         out.value = atom.value;
         out.bare = true;
         out.terms.push_back(XunTerm{atom.key, atom.prefix, 1.0});
@@ -948,6 +967,7 @@ bool Parser::ParseName(XunParsedUnit& out, Kind& kind, bool allowModifier) {
                     return CheckExponent(exponent, stemEnd);
             }
             out = XunParsedUnit();
+            out.terms.reserve(kTermsReserved);
             out.value = stemAtom.value;
             out.terms.push_back(XunTerm{stemAtom.key, stemAtom.prefix, 1.0});
             m_pos = words[0].end;
