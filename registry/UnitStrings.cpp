@@ -215,8 +215,12 @@ class StringIndex final : public CKVunitRegistryCache {
     std::size_t rememberedBytes = 0;
 
     // Texts handed out by xunGetUnitText: kept as long as the registry
-    // lives, also after a change made them stale.
+    // lives, also after a change made them stale. They are made again after
+    // a change of the units, but not after a unit that xunParseUnit
+    // registers: such a unit is found only by its own names, which render a
+    // meaning that no other unit has, so no other unit's text can change.
     std::map<std::pair<long, int>, TextSlot> texts;
+    unsigned long long textsGeneration = 0;
     std::deque<std::string> handedOut;
     // The texts being made (a text may need the texts of other units).
     std::vector<std::pair<long, int>> making;
@@ -372,6 +376,7 @@ void StringIndex::Build(const CKVunitRegistry& units) {
     remembered.clear();
     rememberedBytes = 0;
     maxWords = 1;
+    ++textsGeneration;
     // Kinds in the order they win: every ident before any description or
     // alias, those before any abbreviation; within a kind the first unit
     // in registration order.
@@ -969,7 +974,7 @@ std::string RenderCf(const XunParsedUnit& parsed) {
 const std::string& Keep(StringIndex& index, const CKVunit& unit, int notation, std::string text) {
     index.handedOut.push_back(std::move(text));
     const std::string* kept = &index.handedOut.back();
-    index.texts[std::make_pair(unit.m_lKey, notation)] = TextSlot{index.generation, kept};
+    index.texts[std::make_pair(unit.m_lKey, notation)] = TextSlot{index.textsGeneration, kept};
     return *kept;
 }
 
@@ -1043,7 +1048,7 @@ std::string CfText(StringIndex& index, const CKVunit& unit) {
 const std::string& TextOf(StringIndex& index, const CKVunit& unit, int notation) {
     const std::pair<long, int> slot(unit.m_lKey, notation);
     const auto found = index.texts.find(slot);
-    if (found != index.texts.end() && found->second.generation == index.generation)
+    if (found != index.texts.end() && found->second.generation == index.textsGeneration)
         return *found->second.text;
     if (std::find(index.making.begin(), index.making.end(), slot) != index.making.end())
         return unit.m_strIdent;

@@ -552,6 +552,30 @@ TEST_F(UnitStrings, TextsOfTheThreeNotations) {
     EXPECT_EQ(std::string(again), "m3 s-1");
 }
 
+// A unit that xunParseUnit registers changes no other unit's text, so the
+// texts made before are handed out again instead of being made anew; a
+// change of the units from elsewhere makes them anew (with the same
+// content here).
+TEST_F(UnitStrings, TextsOutliveTheUnitsAParseRegisters) {
+    const int flux = Tag("UnitKilogramPerSquareMeterPerSecond");
+    const char* before[3] = {};
+    for (int notation = 1; notation <= 3; ++notation)
+        ASSERT_EQ(xunGetUnitText(flux, notation, &before[notation - 1]), 1);
+    EXPECT_EQ(Parse("kg m-2 s-1 K-3").substr(0, 4), "xun:");
+    for (int notation = 1; notation <= 3; ++notation) {
+        const char* after = nullptr;
+        ASSERT_EQ(xunGetUnitText(flux, notation, &after), 1);
+        EXPECT_EQ(after, before[notation - 1]) << notation;
+    }
+    ASSERT_EQ(xunUnitNew("UnitOther", "other", "oth", "UnitMeter*7"), 1);
+    for (int notation = 1; notation <= 3; ++notation) {
+        const char* after = nullptr;
+        ASSERT_EQ(xunGetUnitText(flux, notation, &after), 1);
+        EXPECT_NE(after, before[notation - 1]) << notation;
+        EXPECT_STREQ(after, before[notation - 1]) << notation;
+    }
+}
+
 TEST_F(UnitStrings, TextFailures) {
     const char* text = "untouched";
     int code = 0;
