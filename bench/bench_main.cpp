@@ -7,17 +7,21 @@ namespace xunbench {
 void RegisterArrayBenchmarks();
 void RegisterSingleBenchmarks();
 void RegisterWalkBenchmarks();
+void RegisterParseBenchmarks();
 void RegisterLoadBenchmarks();
 void RegisterPathBenchmarks();
 } // namespace xunbench
 
 int main(int argc, char** argv) {
     // The order matters: the walks grow the registry for good, after the
-    // single conversions have drawn their pairs among the installation's units.
+    // single conversions have drawn their pairs among the installation's units;
+    // the parses register units for the meanings they read, after the walks
+    // have counted theirs.
     xunbench::RegisterPathBenchmarks();
     xunbench::RegisterArrayBenchmarks();
     xunbench::RegisterSingleBenchmarks();
     xunbench::RegisterWalkBenchmarks();
+    xunbench::RegisterParseBenchmarks();
     xunbench::RegisterLoadBenchmarks();
     benchmark::Initialize(&argc, argv);
     if (benchmark::ReportUnrecognizedArguments(argc, argv))

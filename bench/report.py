@@ -226,6 +226,34 @@ def other_table(f):
     return lines
 
 
+def parse_table(f):
+    lines = []
+    lines.append("Unit strings: xunParseUnit against UDUNITS-2's ut_parse on the same texts (ns per text)")
+    lines.append("")
+    lines.append("| measure | libxun | UDUNITS-2 | ratio | target |")
+    lines.append("|---|---|---|---|---|")
+    paired = "parse/paired/new/xun-vs-udunits"
+    lines.append(f"| 1,000 composed units, each text new to the library (paired) | "
+                 f"{fmt(f.median(paired, 'first_ns'), 0)} | {fmt(f.median(paired, 'second_ns'), 0)} | "
+                 f"{mark(f.median(paired, 'ratio'), 1.0, False)} | ≤ 1.0 |")
+    ours = f.time("parse/new/xun", "ns")
+    theirs = f.time("parse/new/udunits", "ns")
+    if ours is not None:
+        ours /= 1000
+    if theirs is not None:
+        theirs /= 1000
+    lines.append(f"| the same, separately | {fmt(ours, 0)} | {fmt(theirs, 0)} | {fmt(ratio(ours, theirs))} | |")
+    lines.append(f"| the first reading of each of the 1,000 units (registers a unit for it) | "
+                 f"{fmt(f.median('parse/new/xun', 'first_pass_ns'), 0)} | | | |")
+    paired = "parse/paired/repeated/xun-vs-udunits"
+    lines.append(f"| one text again and again (paired) | {fmt(f.median(paired, 'first_ns'), 1)} | "
+                 f"{fmt(f.median(paired, 'second_ns'), 0)} | {fmt(f.median(paired, 'ratio'), 3)} | |")
+    alone = f.time("parse/repeated/xun", "ns")
+    lines.append(f"| the same alone, absolute | {fmt(alone, 1)} | {fmt(f.time('parse/repeated/udunits', 'ns'), 0)} "
+                 f"| {mark(ratio(alone, 100.0), 1.0, False)} | ≤ 100 ns |")
+    return lines
+
+
 def main():
     if len(sys.argv) < 2:
         sys.exit("usage: report.py BENCH.json [MORE.json ...]")
@@ -236,6 +264,8 @@ def main():
     print("\n".join(paths_table(f)))
     print()
     print("\n".join(other_table(f)))
+    print()
+    print("\n".join(parse_table(f)))
     repetitions = max((len(v) for v in runs.values()), default=1)
     print()
     print(f"{context.get('num_cpus', '?')} CPUs at {context.get('mhz_per_cpu', '?')} MHz, "

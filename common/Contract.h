@@ -110,6 +110,18 @@ inline constexpr int kLangTextBufferSize = 104;
 inline constexpr unsigned kXmlEntityExpansionLimit = 50000;
 // Messages kept by xunGetLastError (longer ones are cut).
 inline constexpr std::size_t kLastErrorMessageSize = 1024;
+// Unit strings (xunParseUnit, xunParseItemUnit): a longer text, deeper
+// parentheses, a larger exponent (written, or of a dimension of the result)
+// or a longer number fails with XUN_ERR_LIMIT. The texts a registry remembers
+// (with what they resolved to) are forgotten all at once when there would be
+// more than kUnitStringCacheEntries of them or more than
+// kUnitStringCacheBytes of text.
+inline constexpr std::size_t kUnitStringMaxLength = 1024;
+inline constexpr int kUnitStringMaxDepth = 32;
+inline constexpr double kUnitStringMaxExponent = 100;
+inline constexpr std::size_t kUnitStringMaxNumberLength = 64;
+inline constexpr std::size_t kUnitStringCacheEntries = 4096;
+inline constexpr std::size_t kUnitStringCacheBytes = 1 << 20;
 
 } // namespace contract
 } // namespace xun

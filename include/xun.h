@@ -112,6 +112,34 @@ XUN_API int xunGetNextUnit(int prevTag, int* nextTag, const char** nextKey);
 XUN_API int xunUnitGetParameters(int tag, double* factor, double* offset, double* powers,
                                  double* factors);
 
+/* ---- Unit strings -------------------------------------------------------- */
+/* Units as people and data files write them: "kg m-2 s-1", "m³/s", "ft^3/s",
+   "kg/(m2*s)", "cubic feet per second", "K @ 273.15" (docs/unit-strings.md
+   has the grammar, the rules and the limits). */
+
+/* The notations of xunGetUnitText. */
+#define XUN_NOTATION_CF 1      /* UDUNITS-2/CF, for CF units attributes: "m3 s-1", "0.3048 m", "K @ 273.15" */
+#define XUN_NOTATION_ASCII 2   /* plain ASCII: "m3/s", "kg/(m2*s)", "degC" */
+#define XUN_NOTATION_UNICODE 3 /* Unicode (UTF-8): "m³/s", "kg/(m²·s)", "°C" */
+
+/* The unit a text means: first a registered unit by name (ident,
+   description with the singular/plural rule, alias, abbreviation), else the
+   first registered unit of equal dimension, factor and offset, else a unit
+   registered for the text (key from 100000, ident "xun:" followed by the
+   text's normalised form), which later texts of that meaning find. Never
+   ends the process. On failure: *tag = 0; the last error says where the
+   text stops making sense and, for an unknown name, names up to three near
+   names. */
+XUN_API int xunParseUnit(const char* text, int* tag);
+/* The same, but the answer is one of the item type's allowed units (any
+   registered unit for item type 999); registers nothing. On failure:
+   *tag = 0. */
+XUN_API int xunParseItemUnit(int itemKey, const char* text, int* tag);
+/* A text of the unit in a notation (XUN_NOTATION_...), which xunParseUnit
+   reads back to a unit of the same meaning (to this unit, unless an earlier
+   unit means the same and the notation has no name for this one). */
+XUN_API int xunGetUnitText(int tag, int notation, const char** text);
+
 /* ---- Derived units ------------------------------------------------------- */
 /* On failure (and before the search): *factor = 1, *matchKey = 0,
    *eqvKey = 0; for the integration and derivation factors *resultKey = unit,

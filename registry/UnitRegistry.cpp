@@ -72,6 +72,7 @@ bool CKVunitRegistry::Add(std::unique_ptr<CKVunit>& unit, bool atFront) {
         return false;
     }
     m_entries.Set(key, entry);
+    ++m_generation;
     return true;
 }
 
@@ -80,6 +81,7 @@ std::unique_ptr<CKVunit> CKVunitRegistry::Remove(const CKVunit* unit) {
     if (!removed)
         return nullptr;
     m_entries.Erase(removed->m_lKey);
+    ++m_generation;
     return std::unique_ptr<CKVunit>(const_cast<CKVunit*>(removed.release()));
 }
 
@@ -91,6 +93,7 @@ void CKVunitRegistry::SetTexts(const CKVunit& unit, const std::string& desc,
     std::string newDesc(desc), newAbbr(abbr);
     owned.m_strDesc.swap(newDesc);
     owned.m_strAbbr.swap(newAbbr);
+    ++m_generation;
 }
 
 bool CKVunitRegistry::NextRunTimeKey(long& key) const {

@@ -43,6 +43,15 @@ struct CKVunitKeyEntry {
 const int kNoDimensionClass = -1;
 const int kUncheckedUnit = -2;
 
+// Data derived from the units that code outside the registry keeps with it
+// (the index of the unit-string functions, registry/UnitStrings.h). It
+// belongs to the registry object: a copy of the registry starts without it,
+// and it goes when the registry goes.
+class CKVunitRegistryCache {
+  public:
+    virtual ~CKVunitRegistryCache() = default;
+};
+
 class CKVunitRegistry : public IUnitSet {
   public:
     CKVunitRegistry();
@@ -84,6 +93,15 @@ class CKVunitRegistry : public IUnitSet {
     // and every key entry matching its unit).
     void CheckInvariants() const;
 
+    // Counts the changes of the units (every Add, Remove and SetTexts), so
+    // that derived data knows whether it is older than the units.
+    unsigned long long Generation() const { return m_generation; }
+
+    // The derived data kept with the registry (null until set). It is
+    // written by the one thread that may change things (docs/conventions.md).
+    CKVunitRegistryCache* Cache() const { return m_cache.get(); }
+    void SetCache(std::unique_ptr<CKVunitRegistryCache> cache) { m_cache = std::move(cache); }
+
     // IUnitSet
     const CKVunit* FindUnitByKey(long key) const override { return FindByKey(key); }
     const CKVunit* FindUnitByIdent(std::string_view ident) const override {
@@ -109,4 +127,6 @@ class CKVunitRegistry : public IUnitSet {
     };
     struct DimensionClasses;
     std::unique_ptr<DimensionClasses> m_classes;
+    unsigned long long m_generation = 0;
+    std::unique_ptr<CKVunitRegistryCache> m_cache;
 };

@@ -230,10 +230,11 @@ int RunConvert(const Invocation& call) {
 
     int from = 0;
     int to = 0;
-    if (FindUnit(fromName, from) == UnitMatch::None)
-        return Fail(kExitFailed, "unknown unit '" + Printable(fromName) + "'");
-    if (FindUnit(toName, to) == UnitMatch::None)
-        return Fail(kExitFailed, "unknown unit '" + Printable(toName) + "'");
+    std::string reason;
+    if (!FindUnit(fromName, from, reason))
+        return Fail(kExitFailed, UnknownUnit(fromName, reason));
+    if (!FindUnit(toName, to, reason))
+        return Fail(kExitFailed, UnknownUnit(toName, reason));
     if (!xunUnitsEqv(from, to))
         return Refused(from, to, fromName, toName);
     const std::string* value = hasValue ? &p[0] : nullptr;

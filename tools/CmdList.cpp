@@ -52,8 +52,9 @@ int RunUnits(const Invocation& call) {
             tags.push_back(tag);
     }
     int like = 0;
-    if (call.Has("--like") && FindUnit(call.Value("--like"), like) == UnitMatch::None)
-        return Fail(kExitFailed, "unknown unit '" + Printable(call.Value("--like")) + "'");
+    std::string reason;
+    if (call.Has("--like") && !FindUnit(call.Value("--like"), like, reason))
+        return Fail(kExitFailed, UnknownUnit(call.Value("--like"), reason));
 
     std::vector<UnitInfo> units;
     for (int tag : tags) {

@@ -88,7 +88,7 @@ void ShowUnit(int tag, Json* json) {
         return;
     }
     std::printf("unit %s%s\n", unit.ident.c_str(),
-                IsTemporaryUnit(tag) ? " (temporary, from an expression)" : "");
+                IsTemporaryUnit(tag) ? " (temporary, made for the text)" : "");
     Table table{{"  key", std::to_string(tag)},
                 {"  ident", unit.ident},
                 {"  description", unit.description},
@@ -233,15 +233,17 @@ int RunShow(const Invocation& call) {
     int unit = 0;
     int item = 0;
     int filter = 0;
-    const bool isUnit = FindUnit(name, unit, false) != UnitMatch::None;
     const bool isItem = FindItemType(name, item);
     const bool isFilter = FindFilter(name, filter);
-    // Only a name that names nothing else is tried as a unit expression.
-    const bool isExpression =
-        !isUnit && !isItem && !isFilter && FindUnit(name, unit, true) == UnitMatch::Expression;
-    if (!isUnit && !isItem && !isFilter && !isExpression)
-        return Fail(kExitFailed,
-                    "unknown name '" + Printable(name) + "': no unit, item type or filter");
+    // A name of an item type or filter is shown as a unit too where a
+    // registered unit has it; any other text is read as a unit string,
+    // which may make a unit for it.
+    std::string reason;
+    const bool isUnit =
+        isItem || isFilter ? FindRegisteredUnit(name, unit) : FindUnit(name, unit, reason);
+    if (!isUnit && !isItem && !isFilter)
+        return Fail(kExitFailed, "unknown name '" + Printable(name) +
+                                     "': no item type or filter, and no unit: " + reason);
 
     Json list = Json::array();
     Json* json = call.Has("--json") ? &list : nullptr;
@@ -251,7 +253,7 @@ int RunShow(const Invocation& call) {
             std::printf("\n");
         first = false;
     };
-    if (isUnit || isExpression) {
+    if (isUnit) {
         separate();
         ShowUnit(unit, json);
     }

@@ -2,85 +2,20 @@
 
 #include <cerrno>
 #include <climits>
-#include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <set>
 
-#include <fcntl.h>
-#include <sys/wait.h>
-#include <unistd.h>
-
+#include "Output.h"
 #include "xun.h"
 
 namespace xuntool {
 
 namespace {
 
-std::set<int> TemporaryUnits_;
-
 // Whether text holds no zero byte, which no name of the C interface can
 // contain.
 bool IsCText(const std::string& text) {
     return !text.empty() && std::strlen(text.c_str()) == text.size();
-}
-
-bool FindByAbbreviation(const std::string& name, int& tag) {
-    int next = 0;
-    const char* desc = nullptr;
-    for (int previous = 0; xunGetNextUnit(previous, &next, &desc); previous = next) {
-        const char* abbreviation = nullptr;
-        if (xunGetUnitAbbreviation(next, &abbreviation) && abbreviation != nullptr &&
-            name == abbreviation) {
-            tag = next;
-            return true;
-        }
-    }
-    return false;
-}
-
-// An expression whose factor comes out as 0 makes xunUnitNew end the
-// process (the library's unit invariant), and the interface has no call
-// that evaluates an expression without that risk. So the expression is made
-// in a child process first, with its output thrown away; the parent makes it
-// only when the child came through.
-bool SurvivesUnitNew(const std::string& ident, const std::string& expression) {
-    std::fflush(nullptr);
-    const pid_t child = ::fork();
-    if (child < 0)
-        return false;
-    if (child == 0) {
-        const int null = ::open("/dev/null", O_WRONLY);
-        if (null >= 0) {
-            ::dup2(null, 1);
-            ::dup2(null, 2);
-        }
-        xunUnitNew(ident.c_str(), expression.c_str(), expression.c_str(), expression.c_str());
-        ::_exit(0);
-    }
-    int status = 0;
-    while (::waitpid(child, &status, 0) < 0)
-        if (errno != EINTR)
-            return false;
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
-}
-
-// Evaluates name as a unit expression into a new unit with an ident that no
-// unit has yet; its description and abbreviation are the expression too.
-bool FindByExpression(const std::string& name, int& tag) {
-    std::string ident;
-    int existing = 0;
-    for (int n = 1;; ++n) {
-        ident = "xun-expression-" + std::to_string(n);
-        if (!xunGetUnitTagFromIdent(ident.c_str(), &existing))
-            break;
-    }
-    if (!SurvivesUnitNew(ident, name) ||
-        !xunUnitNew(ident.c_str(), name.c_str(), name.c_str(), name.c_str()) ||
-        !xunGetUnitTagFromIdent(ident.c_str(), &tag))
-        return false;
-    TemporaryUnits_.insert(tag);
-    return true;
 }
 
 // Parses a whole text as a decimal int; false for anything else, for an
@@ -119,22 +54,44 @@ UnitInfo GetUnitInfo(int tag) {
     return info;
 }
 
-UnitMatch FindUnit(const std::string& name, int& tag, bool allowExpression) {
-    if (!IsCText(name))
-        return UnitMatch::None;
-    if (xunGetUnitTagFromIdent(name.c_str(), &tag))
-        return UnitMatch::Ident;
-    if (xunGetUnitTag(name.c_str(), &tag))
-        return UnitMatch::Description;
-    if (FindByAbbreviation(name, tag))
-        return UnitMatch::Abbreviation;
-    if (allowExpression && FindByExpression(name, tag))
-        return UnitMatch::Expression;
-    return UnitMatch::None;
+bool FindUnit(const std::string& text, int& tag, std::string& reason) {
+    if (std::strlen(text.c_str()) != text.size()) {
+        reason = "a zero byte is no part of a unit";
+        return false;
+    }
+    if (xunParseUnit(text.c_str(), &tag) == 1)
+        return true;
+    const char* message = nullptr;
+    xunGetLastError(&message);
+    reason = Text(message);
+    // The library's message names the function and quotes the text; the
+    // tool quotes the text itself.
+    const std::string prefix = "xunParseUnit: ";
+    if (reason.compare(0, prefix.size(), prefix) == 0)
+        reason.erase(0, prefix.size());
+    const std::string::size_type stops = reason.find(" stops making sense ");
+    if (stops != std::string::npos)
+        reason.erase(0, stops + std::strlen(" stops making sense "));
+    return false;
+}
+
+bool FindRegisteredUnit(const std::string& text, int& tag) {
+    if (!IsCText(text))
+        return false;
+    const char* desc = nullptr;
+    if (xunGetItemTypeKey(999, &desc))
+        return xunParseItemUnit(999, text.c_str(), &tag) == 1;
+    return xunGetUnitTagFromIdent(text.c_str(), &tag) == 1 ||
+           xunGetUnitTag(text.c_str(), &tag) == 1;
 }
 
 bool IsTemporaryUnit(int tag) {
-    return TemporaryUnits_.count(tag) != 0;
+    const char* ident = nullptr;
+    return xunGetUnitIdent(tag, &ident) && ident != nullptr && std::strncmp(ident, "xun:", 4) == 0;
+}
+
+std::string UnknownUnit(const std::string& text, const std::string& reason) {
+    return "cannot read the unit '" + Printable(text) + "': " + reason;
 }
 
 bool FindItemType(const std::string& name, int& key) {

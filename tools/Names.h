@@ -23,19 +23,24 @@ UnitInfo GetUnitInfo(int tag);
 // Texts of the C interface that may be null.
 std::string Text(const char* text);
 
-// How a unit name was found.
-enum class UnitMatch { None, Ident, Description, Abbreviation, Expression };
+// A unit as a user or a data file writes it, found with xunParseUnit: a
+// name (ident, description, alias, abbreviation) or a composed unit ("m3/s",
+// "kg m-2 s-1", "ft^3/s", "cubic feet per second", "K @ 273.15"). A text of
+// a meaning that no registered unit has gets a unit of its own, which lives
+// until the tool ends. False when the text is no unit; reason then says
+// where it stops making sense (and names near names of an unknown name).
+bool FindUnit(const std::string& text, int& tag, std::string& reason);
 
-// A unit is found, in this order, by its ident (xunGetUnitTagFromIdent), by
-// its description with the singular/plural rule or an alias (xunGetUnitTag),
-// by its abbreviation (the first unit in registration order), and last as a
-// unit expression over registered idents ("UnitMeter/UnitSecond"), which is
-// evaluated into a temporary unit (xunUnitNew) that lives until the tool
-// ends. Returns UnitMatch::None when nothing matches.
-UnitMatch FindUnit(const std::string& name, int& tag, bool allowExpression = true);
+// A registered unit by name or meaning, without registering a unit for the
+// text: through the any-unit item type 999 where the installation has it.
+bool FindRegisteredUnit(const std::string& text, int& tag);
 
-// Whether tag is a temporary unit made by FindUnit.
+// Whether tag is a unit that xunParseUnit registered for a text (its ident
+// starts with "xun:"): in the tool, one made during this run.
 bool IsTemporaryUnit(int tag);
+
+// "cannot read the unit 'TEXT'" and the reason, for FindUnit's failures.
+std::string UnknownUnit(const std::string& text, const std::string& reason);
 
 // An item type by ident, by description (exact) or by its numeric key
 // (decimal).

@@ -16,6 +16,8 @@ run() {
 run convert 100 degC degF
 run convert 30 knots "km/h"
 run convert 1 UnitCubicMeterPerSecond/UnitSquareKilometer "mm/h"
+run convert 20 "kg m-2 s-1" "g/(m²·d)"
+run convert 1 "ft^3/s" "m3 s-1"
 printf '\n$ printf %s | xun convert ft m\n' "'1 2.5 1e3\\n'"
 printf '1 2.5 1e3\n' | "$xun" --home "$home" convert ft m
 run units --item ItemWaterLevel

@@ -49,7 +49,7 @@ UNIT_GROUPS = [
     ("Plane and solid angle (dimensionless)", [
         U(1100, "UnitRadian", "radian", "rad", "rad", "UnitFraction", "Radiant"),
         U(1101, "UnitMilliradian", "milliradian", "mrad", "mrad", "UnitRadian/1000", "Milliradiant"),
-        U(1102, "UnitDegree", "degree", "°", "deg;arc degree;degree of arc;degrees of arc", "UnitRadian*pi/180", "Grad"),
+        U(1102, "UnitDegree", "degree", "°", "deg;arc degree;degree of arc;degrees of arc;degree_east;degrees_east;degree_E;degrees_E;degreeE;degreesE;degree_north;degrees_north;degree_N;degrees_N;degreeN;degreesN", "UnitRadian*pi/180", "Grad"),
         U(1103, "UnitArcminute", "arcminute", "′", "arcmin;minute of arc;minutes of arc", "UnitDegree/60", "Winkelminute"),
         U(1104, "UnitArcsecond", "arcsecond", "″", "arcsec;second of arc;seconds of arc", "UnitArcminute/60", "Winkelsekunde"),
         U(1105, "UnitGon", "gon", "gon", "grad;grade;gradian;gradians", "UnitRadian*pi/200", "Gon"),
@@ -149,10 +149,13 @@ UNIT_GROUPS = [
         U(1709, "UnitRadianPerSecond", "radian per second", "rad/s", "radians per second;rad/s", "UnitRadian/UnitSecond", "Radiant pro Sekunde"),
         U(1710, "UnitDegreePerSecond", "degree per second", "°/s", "degrees per second;deg/s", "UnitDegree/UnitSecond", "Grad pro Sekunde"),
         U(1711, "UnitRevolutionPerMinute", "revolution per minute", "rpm", "revolutions per minute;r/min;rpm", "UnitRevolution/UnitMinute", "Umdrehung pro Minute", "U/min"),
+        # The becquerel (decays per second) is a name of CF data (Bq, Bq m-3, Bq kg-1); it is a
+        # frequency by dimension, like the hertz.
+        U(1712, "UnitBecquerel", "becquerel", "Bq", "becquerels;Bq", "1/UnitSecond", "Becquerel"),
     ]),
     ("Temperature and temperature difference", [
         U(1800, "UnitKelvin", "kelvin", "K", "K", "Temperature", "Kelvin"),
-        U(1801, "UnitDegreeCelsius", "degree Celsius", "°C", "degrees Celsius;Celsius;celsius;degC;deg C", "UnitKelvin+273.15", "Grad Celsius"),
+        U(1801, "UnitDegreeCelsius", "degree Celsius", "°C", "degrees Celsius;Celsius;celsius;degC;deg C;degree_C;degrees_C;degree_Celsius;degrees_Celsius", "UnitKelvin+273.15", "Grad Celsius"),
         U(1802, "UnitDegreeFahrenheit", "degree Fahrenheit", "°F", "degrees Fahrenheit;Fahrenheit;fahrenheit;degF;deg F", "UnitKelvin*5/9+459.67*5/9", "Grad Fahrenheit"),
         U(1803, "UnitDegreeRankine", "degree Rankine", "°R", "degrees Rankine;Rankine;degR;deg R", "UnitKelvin*5/9", "Grad Rankine"),
         U(1804, "UnitDegreeCelsiusDifference", "degree Celsius difference", "Δ°C", "Celsius difference;delta degC;delta deg C", "UnitKelvin", "Grad Celsius (Differenz)"),
@@ -254,7 +257,7 @@ UNIT_GROUPS = [
         U(2609, "UnitUSGallonPerDayPerFoot", "US gallon per day per foot", "gpd/ft", "US gallons per day per foot;gallons per day per foot;gpd/ft", "UnitUSGallonPerDay/UnitFoot", "US-Gallone pro Tag und Fuß"),
         U(2610, "UnitCubicMeterPerSecondPerMeter", "cubic meter per second per meter", "m³/(s·m)", "cubic metre per second per metre;cubic meters per second per meter;m3/s/m", "UnitCubicMeterPerSecond/UnitMeter", "Kubikmeter pro Sekunde und Meter"),
         U(2611, "UnitLiterPerSecondPerMeter", "liter per second per meter", "l/(s·m)", "litre per second per metre;litres per second per metre;liters per second per meter;l/s/m", "UnitLiterPerSecond/UnitMeter", "Liter pro Sekunde und Meter"),
-        U(2612, "UnitCubicFootPerSecondPerFoot", "cubic foot per second per foot", "ft³/(s·ft)", "cubic feet per second per foot;cfs/ft", "UnitCubicFootPerSecond/UnitFoot", "Kubikfuß pro Sekunde und Fuß"),
+        U(2612, "UnitCubicFootPerSecondPerFoot", "cubic foot per second per foot", "ft³/(s·ft)", "cubic feet per second per foot;cfs/ft;ft3/s/ft", "UnitCubicFootPerSecond/UnitFoot", "Kubikfuß pro Sekunde und Fuß"),
     ]),
     ("Density and mass concentration", [
         U(2700, "UnitKilogramPerCubicMeter", "kilogram per cubic meter", "kg/m³", "kilogram per cubic metre;kilograms per cubic metre;kilograms per cubic meter;kg/m3", "UnitKilogram/UnitCubicMeter", "Kilogramm pro Kubikmeter"),

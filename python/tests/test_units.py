@@ -38,9 +38,9 @@ def test_unknown_units_raise():
     with pytest.raises(xun.XunError) as error:
         xun.unit("furlongs")
     assert str(error.value) == (
-        "xunGetUnitTagFromIdent: no unit has the ident 'furlongs'; "
-        "xunGetUnitTag: no unit is described or aliased as 'furlongs'"
+        "xunParseUnit: 'furlongs' stops making sense at byte 1: no unit is named 'furlongs'"
     )
+    assert error.value.code == xun.ErrorCode.NOT_FOUND
     with pytest.raises(xun.XunError) as error:
         xun.unit(424242)
     assert str(error.value) == "xunGetUnitIdent: no unit has the tag 424242"
@@ -61,7 +61,7 @@ def test_bad_arguments_raise_type_and_value_errors():
         xun.unit(True)
     with pytest.raises(ValueError) as error:
         xun.unit("Unit\0Foot")
-    assert str(error.value) == "unit ident contains a NUL character: 'Unit\\x00Foot'"
+    assert str(error.value) == "unit text contains a NUL character: 'Unit\\x00Foot'"
     with pytest.raises(ValueError) as error:
         xun.unit(2**31)
     assert str(error.value) == "unit tag 2147483648 is outside the range of a C int"

@@ -10,8 +10,10 @@ Pure ctypes over the library's C interface::
     levels = np.array([1.0, 2.5, -999.0])
     xun.convert_array(levels, "foot", "meter", delete_value=-999.0)   # in place
 
-Units are named by a ``Unit``, by their numeric key (tag), or by a text: an
-ident ("UnitFoot") or a name as a user types it ("foot", "feet", "ft"). Item
+Units are named by a ``Unit``, by their numeric key (tag), or by a unit string:
+an ident ("UnitFoot"), a name as a user types it ("foot", "feet", "ft") or a
+composed unit as people and data files write it ("m3 s-1", "kg/(m²·s)",
+"ft^3/s"); ``xun.parse_unit`` reads them, ``Unit.text`` writes them. Item
 types are named by an ``ItemType``, their numeric key or their ident; filters by
 a ``Filter``, their bit or their ident. Requests the library refuses raise
 ``XunError`` with the library's own message and code; arguments of the wrong
@@ -63,8 +65,10 @@ from ._loading import (
 from ._native import LIBRARY_NAME, library, library_path, library_version
 from ._units import _dimension_text  # noqa: F401 - formats dimensions in the tests
 from ._units import (
+    NOTATIONS,
     Unit,
     new_unit,
+    parse_unit,
     unit,
     unit_by_ident,
     unit_by_name,
@@ -90,6 +94,7 @@ __all__ = [
     "setup_path",
     "write_includes",
     "unit",
+    "parse_unit",
     "unit_by_tag",
     "unit_by_ident",
     "unit_by_name",
@@ -117,6 +122,7 @@ __all__ = [
     "library_version",
     "LIBRARY_NAME",
     "MAX_ARRAY_SIZE",
+    "NOTATIONS",
     "PATH_LIMIT",
     "INCLUDE_FILES",
     "__version__",

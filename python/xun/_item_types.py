@@ -41,6 +41,14 @@ class ItemType:
         with lock:
             return text_out("xunGetItemTypeKey", self._key)
 
+    def parse_unit(self, text: Union[str, bytes]) -> Unit:
+        """The allowed unit a unit string means (for a field of this item type:
+        "cfs", "m3/s", "l/s" or "liters per second" for a discharge); no unit is
+        made. XunError when the text names no allowed unit."""
+        from ._units import parse_unit
+
+        return parse_unit(text, self)
+
     def _params(self) -> Tuple[int, float]:
         decimals = ctypes.c_int()
         default = ctypes.c_double()

@@ -69,6 +69,10 @@ PROTOTYPES: Dict[str, Tuple[Any, List[Any]]] = {
     "xunGetNextEqvUnit": (c_int, [c_int, c_int, p_int, p_char_p]),
     "xunGetNextUnit": (c_int, [c_int, p_int, p_char_p]),
     "xunUnitGetParameters": (c_int, [c_int, p_double, p_double, p_double, p_double]),
+    # unit strings
+    "xunParseUnit": (c_int, [c_char_p, p_int]),
+    "xunParseItemUnit": (c_int, [c_int, c_char_p, p_int]),
+    "xunGetUnitText": (c_int, [c_int, c_int, p_char_p]),
     # derived units
     "xunUnitPower": (c_int, [c_int, p_int, p_int, p_double, c_double]),
     "xunUnitMultiply": (c_int, [c_int, c_int, p_int, p_int, p_double]),

@@ -4,12 +4,18 @@ units, and units created at run time."""
 from __future__ import annotations
 
 import ctypes
-from typing import List, SupportsFloat, Tuple, Union
+from typing import TYPE_CHECKING, Dict, List, Optional, SupportsFloat, Tuple, Union
 
 from ._args import decode, encode, int_arg, text_out
 from ._errors import ErrorCode, XunError
 from ._loading import refuse_fatal_expression
 from ._native import ask, failure, last_error, library, lock, walk_ended
+
+if TYPE_CHECKING:  # pragma: no cover
+    from ._item_types import ItemTypeLike
+
+# The notations of Unit.text (XUN_NOTATION_... of xun.h).
+NOTATIONS: Dict[str, int] = {"cf": 1, "ascii": 2, "unicode": 3}
 
 # The symbols of the seven base dimensions, in the library's order: length,
 # mass, time, temperature, electric current, amount of substance, luminous
@@ -69,6 +75,18 @@ class Unit:
             if last_error()[0] != ErrorCode.RANGE:
                 raise failure("xunGetUnitAlias")
         return result
+
+    def text(self, notation: str = "cf") -> str:
+        """A unit string for the unit: "cf" the UDUNITS-2/CF notation for CF units
+        attributes ("m3 s-1", "0.3048 m", "K @ 273.15"), "ascii" plain ASCII
+        ("m3/s"), "unicode" ("m³/s"). xun.unit() reads each back to a unit of the
+        same meaning."""
+        if notation not in NOTATIONS:
+            raise ValueError(
+                f"notation must be one of {', '.join(sorted(NOTATIONS))}, got {notation!r}"
+            )
+        with lock:
+            return text_out("xunGetUnitText", self._tag, NOTATIONS[notation])
 
     def _parameters(self) -> Tuple[float, float, Dimension, Dimension]:
         factor = ctypes.c_double()
@@ -210,24 +228,39 @@ def unit_by_name(name: Union[str, bytes]) -> Unit:
     return Unit(tag.value)
 
 
+def parse_unit(text: Union[str, bytes], item: Optional["ItemTypeLike"] = None) -> Unit:
+    """The unit a unit string means, as people and data files write it: a name
+    (ident, description, alias, abbreviation) or a composed unit ("kg m-2 s-1",
+    "m³/s", "ft^3/s", "cubic feet per second", "K @ 273.15"). A text of a
+    meaning that no registered unit has gets a unit of its own (ident "xun:...").
+    With item, the answer is one of the item type's allowed units, and no unit
+    is made. XunError says where a text stops making sense and names near names
+    of an unknown name."""
+    data = encode(text, "unit text")
+    tag = ctypes.c_int()
+    if item is None:
+        with lock:
+            if library().xunParseUnit(data, ctypes.byref(tag)) != 1:
+                raise failure("xunParseUnit")
+        return Unit(tag.value)
+    from ._item_types import item_type
+
+    key = item_type(item).key
+    with lock:
+        if library().xunParseItemUnit(key, data, ctypes.byref(tag)) != 1:
+            raise failure("xunParseItemUnit")
+    return Unit(tag.value)
+
+
 def unit(which: UnitLike) -> Unit:
-    """A unit named by a Unit, its numeric key, its ident or its name (an ident
-    is looked for first)."""
+    """A unit named by a Unit, its numeric key, or a unit string (parse_unit: an
+    ident, a name or a composed unit)."""
     if isinstance(which, Unit):
         return which
     if isinstance(which, int) and not isinstance(which, bool):
         return unit_by_tag(which)
     if isinstance(which, (str, bytes)):
-        data = encode(which, "unit ident")
-        with lock:
-            try:
-                return unit_by_ident(data)
-            except XunError as by_ident:
-                try:
-                    return unit_by_name(data)
-                except XunError as by_name:
-                    # Both searches failed: the library's reasons for both.
-                    raise XunError(f"{by_ident}; {by_name}", code=by_name.code) from None
+        return parse_unit(which)
     raise TypeError(f"a unit is named by a Unit, an int or a text, got {type(which).__name__}")
 
 

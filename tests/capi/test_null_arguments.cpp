@@ -59,6 +59,8 @@ TEST_F(NullArguments, TextOutputsOfLookups) {
     ExpectNullRefused(
         "xunGetUnitExpression", [] { return xunGetUnitExpression(1000, nullptr); }, "expression");
     ExpectNullRefused(
+        "xunGetUnitText", [] { return xunGetUnitText(1000, XUN_NOTATION_CF, nullptr); }, "text");
+    ExpectNullRefused(
         "xunGetUnitAlias", [] { return xunGetUnitAlias(1000, 1, nullptr); }, "alias");
     ExpectNullRefused(
         "xunGetItemTypeIdent", [] { return xunGetItemTypeIdent(100, nullptr); }, "ident");
@@ -177,6 +179,18 @@ TEST_F(NullArguments, NameSearchesWriteTheTagZero) {
     EXPECT_EQ(tag, 0);
     ExpectNullRefused(
         "xunGetItemUnitTag tag", [] { return xunGetItemUnitTag(100, "meter", nullptr); }, "tag");
+    tag = 7;
+    ExpectNullRefused(
+        "xunParseUnit text", [&] { return xunParseUnit(nullptr, &tag); }, "text");
+    EXPECT_EQ(tag, 0);
+    ExpectNullRefused(
+        "xunParseUnit tag", [] { return xunParseUnit("m", nullptr); }, "tag");
+    tag = 7;
+    ExpectNullRefused(
+        "xunParseItemUnit text", [&] { return xunParseItemUnit(100, nullptr, &tag); }, "text");
+    EXPECT_EQ(tag, 0);
+    ExpectNullRefused(
+        "xunParseItemUnit tag", [] { return xunParseItemUnit(100, "m", nullptr); }, "tag");
     ExpectNullRefused(
         "xunGetUnitTagFromIdent ident", [&] { return xunGetUnitTagFromIdent(nullptr, &tag); },
         "ident");

@@ -187,6 +187,35 @@ TEST_F(OutOfMemory, Creation) {
               -1);
 }
 
+// Reading unit strings allocates at every step (the index of the names, the
+// texts remembered, a unit registered at run time): memory running out at
+// any of them fails the call and leaves every registry invariant.
+TEST_F(OutOfMemory, UnitStrings) {
+    int tag = 0;
+    EXPECT_GT(RunUntilItSucceeds("xunParseUnit of a name",
+                                 [&] { return xunParseUnit("metre", &tag) == 1; }),
+              0);
+    int serial = 0;
+    EXPECT_GT(RunUntilItSucceeds("xunParseUnit of a new meaning",
+                                 [&] {
+                                     const std::string text =
+                                         std::to_string(++serial + 1) + " km/h";
+                                     return xunParseUnit(text.c_str(), &tag) == 1;
+                                 }),
+              0);
+    EXPECT_GT(RunUntilItSucceeds("xunParseItemUnit",
+                                 [&] {
+                                     return xunParseItemUnit(102, "km h-1", &tag) != 0 ||
+                                            xunGetLastError(nullptr) == XUN_ERR_NOT_FOUND;
+                                 }),
+              0);
+    const char* text = nullptr;
+    EXPECT_GT(RunUntilItSucceeds("xunGetUnitText",
+                                 [&] { return xunGetUnitText(1300, XUN_NOTATION_CF, &text) == 1; }),
+              -1);
+    EXPECT_EQ(std::string(text), "m s-1");
+}
+
 TEST_F(OutOfMemory, DerivedUnits) {
     int match = 0, eqv = 0;
     double factor = 0;

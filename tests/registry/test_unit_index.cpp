@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "registry/HashIndex.h"
+#include "registry/Registries.h"
 #include "registry/UnitRegistry.h"
 #include "xun.h"
 #include "registry_access.h"
@@ -338,6 +339,52 @@ TEST(UnitKeyIndexDeathTest, UnitBrokenBeforeRegistrationStillFailsItsChecks) {
         },
         "KVunit:284: void CKVunit::AssertValid\\(\\) const: Assertion "
         "`\\(m_pDimParent == 0\\) != \\(m_pDimTemp == 0\\)' failed\\.");
+}
+
+// What code outside the registry derives from its units (the unit-string
+// index) knows it is stale by the count of changes, and stays with the
+// registry object it was made for.
+TEST(UnitRegistryGeneration, CountsEveryChangeOfTheUnits) {
+    CKVregistries registries;
+    CKVunitRegistry& units = registries.units;
+    const unsigned long long start = units.Generation();
+    std::unique_ptr<CKVunit> meter(new CKVunit("meter", "m", 1000, 1.0, CKVdimension::GetLength()));
+    meter->m_strIdent = "UnitMeter";
+    const CKVunit* added = meter.get();
+    ASSERT_TRUE(units.Add(meter, false));
+    EXPECT_EQ(units.Generation(), start + 1);
+    // A refused registration changes nothing and counts nothing.
+    std::unique_ptr<CKVunit> twin(new CKVunit("meter", "m", 1000, 1.0, CKVdimension::GetLength()));
+    twin->m_strIdent = "UnitMeter";
+    EXPECT_FALSE(units.Add(twin, false));
+    EXPECT_EQ(units.Generation(), start + 1);
+    units.SetTexts(*added, "metre", "m");
+    EXPECT_EQ(units.Generation(), start + 2);
+    std::unique_ptr<CKVunit> removed = units.Remove(added);
+    ASSERT_TRUE(removed != nullptr);
+    EXPECT_EQ(units.Generation(), start + 3);
+    EXPECT_TRUE(units.Remove(added) == nullptr);
+    EXPECT_EQ(units.Generation(), start + 3);
+}
+
+TEST(UnitRegistryGeneration, DerivedDataStaysWithItsRegistry) {
+    struct Derived : CKVunitRegistryCache {
+        explicit Derived(bool& gone) : m_gone(gone) {}
+        ~Derived() override { m_gone = true; }
+        bool& m_gone;
+    };
+    bool gone = false;
+    {
+        CKVregistries registries;
+        EXPECT_EQ(registries.units.Cache(), nullptr);
+        registries.units.SetCache(std::unique_ptr<CKVunitRegistryCache>(new Derived(gone)));
+        ASSERT_NE(registries.units.Cache(), nullptr);
+        // A copy starts without it.
+        std::unique_ptr<CKVregistries> copy = registries.Copy();
+        EXPECT_EQ(copy->units.Cache(), nullptr);
+        EXPECT_FALSE(gone);
+    }
+    EXPECT_TRUE(gone);
 }
 
 } // namespace

@@ -76,17 +76,62 @@ TEST(ToolConvert, IncompatibleCompositeDimensions) {
                 "' (dimension L3): the dimensions differ\n");
 }
 
-// The library says why it refuses: here a unit with the key 0.
+// The library says why it refuses: here a unit with the key 0, which no
+// unit string can name.
 TEST(ToolConvert, UnitWithKeyZero) {
     EXPECT_TOOL(Xun({"--setup", "check/key_zero.xml", "convert", "1", "UnitInch", "UnitMeter"}), 1,
                 "",
-                "xun: cannot convert 'UnitInch' to 'UnitMeter': the unit 'UnitInch' has the key 0 "
-                "and converts nothing\n");
+                "xun: cannot read the unit 'UnitInch': 'UnitInch' names the unit 'UnitInch' of "
+                "key 0, which converts nothing\n");
 }
 
 TEST(ToolConvert, UnknownUnit) {
     EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "furlong", "m"}), 1, "",
-                "xun: unknown unit 'furlong'\n");
+                "xun: cannot read the unit 'furlong': at byte 1: no unit is named 'furlong'\n");
+}
+
+TEST(ToolConvert, UnknownNamesNameNearOnes) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "metres per secnd", "km/h"}), 1, "",
+                "xun: cannot read the unit 'metres per secnd': at byte 12: no unit is named "
+                "'secnd'; near names: 'second'\n");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "m", "kilometre/hoor"}), 1, "",
+                "xun: cannot read the unit 'kilometre/hoor': at byte 11: no unit is named "
+                "'hoor'; near names: 'hour'\n");
+}
+
+TEST(ToolConvert, TheTextSaysWhereItStopsMakingSense) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "m/(s", "m/s"}), 1, "",
+                "xun: cannot read the unit 'm/(s': at byte 5: ')' is missing at the end\n");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "", "m/s"}), 1, "",
+                "xun: cannot read the unit '': the text is empty\n");
+}
+
+// Composed units as people and data files write them.
+TEST(ToolConvert, ComposedUnits) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "ft^3/s", "m^3/s"}), 0,
+                "0.028316846592000004\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "36", "km h-1", "m.s-1"}), 0, "10\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "m\xC2\xB3/s", "l s-1"}), 0, "1000\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "K @ 273.15", "degF"}), 0,
+                "33.79999999999999\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "cubic meter per second", "l/s"}), 0,
+                "1000\n", "");
+}
+
+TEST(ToolConvert, ComposedUnitsOfTheDefaultInstallation) {
+    const std::string home = xuntest::SourceDir() + "/data";
+    EXPECT_TOOL(Xun({"--home", home, "convert", "20", "kg m-2 s-1",
+                     "g/(m\xC2\xB2\xC2\xB7"
+                     "d)"}),
+                0, "1728000000\n", "");
+    EXPECT_TOOL(Xun({"--home", home, "convert", "1", "ft^3/s", "m^3/s"}), 0,
+                "0.028316846592000004\n", "");
+    EXPECT_TOOL(Xun({"--home", home, "convert", "1", "m3.s-1", "l/s"}), 0, "1000\n", "");
+    EXPECT_TOOL(Xun({"--home", home, "convert", "1", "CFS", "m3 s-1"}), 0, "0.028316846592000004\n",
+                "");
+    EXPECT_TOOL(Xun({"--home", home, "convert", "1", "CFSS", "m3/s"}), 1, "",
+                "xun: cannot read the unit 'CFSS': at byte 1: no unit is named 'CFSS'; near "
+                "names: 'cfs'\n");
 }
 
 TEST(ToolConvert, MalformedNumber) {
@@ -188,9 +233,12 @@ TEST(ToolConvert, MissingSetupFile) {
                 "xun: cannot read setup file 'missing/bin/XUN.xml': No such file or directory\n");
 }
 
-TEST(ToolConvert, ZeroFactorExpressionIsUnknown) {
+// A text whose unit would have the factor 0 fails with the reason; the
+// process goes on.
+TEST(ToolConvert, ZeroFactorIsRefused) {
     EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "UnitMeter*0", "m"}), 1, "",
-                "xun: unknown unit 'UnitMeter*0'\n");
+                "xun: cannot read the unit 'UnitMeter*0': at byte 11: a factor of 0 gives no "
+                "unit\n");
 }
 
 // More numbers than one block of the array conversion, so that blocks meet

@@ -92,7 +92,7 @@ TEST(ToolUnits, UnitsOfTheSameDimension) {
                 "");
 }
 
-TEST(ToolUnits, LikeAnExpressionLeavesOutItsTemporaryUnit) {
+TEST(ToolUnits, LikeAComposedUnitLeavesOutItsTemporaryUnit) {
     EXPECT_TOOL(Xun({"--home", "home", "units", "--like", "UnitMeter/UnitHour"}), 0,
                 "KEY   IDENT                 ABBR  DESCRIPTION\n"
                 "1200  UnitMeterPerSecond    m/s   meter per second\n"
@@ -121,7 +121,15 @@ TEST(ToolUnits, UnknownItemType) {
 
 TEST(ToolUnits, UnknownLikeUnit) {
     EXPECT_TOOL(Xun({"--home", "home", "units", "--like", "furlong"}), 1, "",
-                "xun: unknown unit 'furlong'\n");
+                "xun: cannot read the unit 'furlong': at byte 1: no unit is named 'furlong'\n");
+}
+
+TEST(ToolUnits, LikeAComposedUnit) {
+    EXPECT_TOOL(Xun({"--home", "home", "units", "--like", "km s-1"}), 0,
+                "KEY   IDENT                 ABBR  DESCRIPTION\n"
+                "1200  UnitMeterPerSecond    m/s   meter per second\n"
+                "1201  UnitKilometerPerHour  km/h  kilometer per hour\n",
+                "");
 }
 
 TEST(ToolUnits, Json) {

@@ -207,13 +207,14 @@ TEST(ToolShow, FilterJson) {
                 "");
 }
 
-TEST(ToolShow, Expression) {
+// A composed unit shows the registered unit it equals.
+TEST(ToolShow, ComposedUnitShowsTheUnitItEquals) {
     EXPECT_TOOL(Xun({"--home", "home", "show", "UnitKilometer/UnitHour"}), 0,
-                "unit xun-expression-1 (temporary, from an expression)\n"
-                "  key           100000\n"
-                "  ident         xun-expression-1\n"
-                "  description   UnitKilometer/UnitHour\n"
-                "  abbreviation  UnitKilometer/UnitHour\n"
+                "unit UnitKilometerPerHour\n"
+                "  key           1201\n"
+                "  ident         UnitKilometerPerHour\n"
+                "  description   kilometer per hour\n"
+                "  abbreviation  km/h\n"
                 "  aliases\n"
                 "  expression    UnitKilometer/UnitHour\n"
                 "  factor        0.27777777777777779\n"
@@ -225,19 +226,39 @@ TEST(ToolShow, Expression) {
                 "");
 }
 
-TEST(ToolShow, ExpressionJson) {
-    EXPECT_TOOL(Xun({"--home", "home", "show", "UnitKilometer/UnitHour", "--json"}), 0,
+// A composed unit that no registered unit equals gets a unit of its own for
+// the run.
+TEST(ToolShow, ComposedUnitOfItsOwn) {
+    EXPECT_TOOL(Xun({"--home", "home", "show", "km min-1"}), 0,
+                "unit xun:km/min (temporary, made for the text)\n"
+                "  key           100000\n"
+                "  ident         xun:km/min\n"
+                "  description   km/min (parsed)\n"
+                "  abbreviation  km/min\n"
+                "  aliases\n"
+                "  expression    km min-1\n"
+                "  factor        16.666666666666668\n"
+                "  offset        0\n"
+                "  dimension     L T-1\n"
+                "  exponents     length 1, mass 0, time -1, temperature 0, current 0, substance 0, "
+                "luminous 0\n"
+                "  base unit     UnitMeterPerSecond (m/s)\n",
+                "");
+}
+
+TEST(ToolShow, ComposedUnitOfItsOwnJson) {
+    EXPECT_TOOL(Xun({"--home", "home", "show", "UnitKilometer/UnitMinute", "--json"}), 0,
                 "[\n"
                 "  {\n"
                 "    \"kind\": \"unit\",\n"
                 "    \"key\": 100000,\n"
-                "    \"ident\": \"xun-expression-1\",\n"
-                "    \"description\": \"UnitKilometer/UnitHour\",\n"
-                "    \"abbreviation\": \"UnitKilometer/UnitHour\",\n"
+                "    \"ident\": \"xun:km/min\",\n"
+                "    \"description\": \"km/min (parsed)\",\n"
+                "    \"abbreviation\": \"km/min\",\n"
                 "    \"aliases\": [],\n"
-                "    \"expression\": \"UnitKilometer/UnitHour\",\n"
+                "    \"expression\": \"UnitKilometer/UnitMinute\",\n"
                 "    \"temporary\": true,\n"
-                "    \"factor\": 0.2777777777777778,\n"
+                "    \"factor\": 16.666666666666668,\n"
                 "    \"offset\": 0,\n"
                 "    \"dimension\": \"L T-1\",\n"
                 "    \"exponents\": {\n"
@@ -300,7 +321,11 @@ TEST(ToolShow, ControlCharactersAreEscapedInText) {
 
 TEST(ToolShow, UnknownName) {
     EXPECT_TOOL(Xun({"--home", "home", "show", "Nothing"}), 1, "",
-                "xun: unknown name 'Nothing': no unit, item type or filter\n");
+                "xun: unknown name 'Nothing': no item type or filter, and no unit: at byte 1: no "
+                "unit is named 'Nothing'\n");
+    EXPECT_TOOL(Xun({"--home", "home", "show", "metr"}), 1, "",
+                "xun: unknown name 'metr': no item type or filter, and no unit: at byte 1: no "
+                "unit is named 'metr'; near names: 'meter', 'metre'\n");
 }
 
 TEST(ToolShow, MissingName) {

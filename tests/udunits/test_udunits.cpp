@@ -171,6 +171,7 @@ const Expressible kExpressible[] = {
     {"UnitRadianPerSecond", "rad/s"},
     {"UnitDegreePerSecond", "arc_degree/s"},
     {"UnitRevolutionPerMinute", "revolution/min"},
+    {"UnitBecquerel", "Bq"},
     // Temperature and temperature difference. A Fahrenheit difference has the
     // size of a Rankine degree, a Celsius difference that of a kelvin.
     {"UnitKelvin", "K"},
