@@ -90,6 +90,15 @@ namespace Ostrel.Generic.Korvane
         public static extern int xunGetUnitTagFromIdent(
             [MarshalAs(UnmanagedType.LPUTF8Str)] string ident, out int tag);
         [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
+        public static extern int xunParseUnit([MarshalAs(UnmanagedType.LPUTF8Str)] string text,
+                                              out int tag);
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
+        public static extern int xunParseItemUnit(int itemKey,
+                                                  [MarshalAs(UnmanagedType.LPUTF8Str)] string text,
+                                                  out int tag);
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
+        public static extern int xunGetUnitText(int tag, int notation, out IntPtr text);
+        [DllImport(Library, CallingConvention = CallingConvention.Cdecl)]
         public static extern int xunGetItemUnitTag(int itemKey,
                                                    [MarshalAs(UnmanagedType.LPUTF8Str)] string name,
                                                    out int tag);
@@ -428,6 +437,25 @@ namespace Ostrel.Generic.Korvane
         public static bool UnitTag(string name, out int tag)
         {
             return xunGetUnitTag(name, out tag) != 0;
+        }
+
+        // A unit string as people and data files write it ("m3 s-1", "ft^3/s").
+        public static bool ParseUnit(string text, out int tag)
+        {
+            return xunParseUnit(text, out tag) != 0;
+        }
+
+        // The same, answered only by an allowed unit of the item type.
+        public static bool ParseItemUnit(int itemKey, string text, out int tag)
+        {
+            return xunParseItemUnit(itemKey, text, out tag) != 0;
+        }
+
+        // A text of the unit in a notation (1 CF, 2 ASCII, 3 Unicode).
+        public static string UnitText(int tag, int notation)
+        {
+            IntPtr text;
+            return TextOf(xunGetUnitText(tag, notation, out text), text);
         }
 
         public static bool UnitTagFromIdent(string ident, out int tag)

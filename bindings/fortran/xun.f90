@@ -41,6 +41,7 @@ module xun
   public :: xunGetLastError, xunClearLastError, xunVersion
   public :: xunUnitGetAll, xunUnitNew, xunGetUnitKey, xunGetUnitIdent, xunGetUnitAbbreviation
   public :: xunGetUnitExpression, xunGetUnitAlias, xunGetUnitTag, xunGetUnitTagFromIdent
+  public :: xunParseUnit, xunParseItemUnit, xunGetUnitText
   public :: xunGetItemUnitTag, xunGetItemFirstEqvUnit, xunUnitsEqv, xunGetBaseUnit
   public :: xunGetNextEqvUnit, xunGetNextUnit, xunUnitGetParameters
   public :: xunUnitPower, xunUnitMultiply, xunUnitDivide, xunUnitGetIntegrationFactor
@@ -76,6 +77,7 @@ module xun
   public :: xun_units_eqv, xun_item_unit_eqv, xun_item_filter_eqv
   public :: xun_load, xun_setup_load, xun_load_base_group
   public :: xun_unit_tag, xun_unit_tag_from_ident, xun_item_unit_tag
+  public :: xun_parse_unit, xun_parse_item_unit, xun_unit_text
   public :: xun_item_type_key_from_ident, xun_filter_key_from_ident
   public :: xun_unit_new, xun_item_type_new, xun_filter_new
 
@@ -133,6 +135,23 @@ module xun
       import :: c_char, c_int
       character(kind=c_char), dimension(*), intent(in) :: name
       integer(c_int), intent(out) :: tag
+    end function
+    integer(c_int) function xunParseUnit(text, tag) bind(C, name='xunParseUnit')
+      import :: c_char, c_int
+      character(kind=c_char), dimension(*), intent(in) :: text
+      integer(c_int), intent(out) :: tag
+    end function
+    integer(c_int) function xunParseItemUnit(itemKey, text, tag) &
+        bind(C, name='xunParseItemUnit')
+      import :: c_char, c_int
+      integer(c_int), value :: itemKey
+      character(kind=c_char), dimension(*), intent(in) :: text
+      integer(c_int), intent(out) :: tag
+    end function
+    integer(c_int) function xunGetUnitText(tag, notation, text) bind(C, name='xunGetUnitText')
+      import :: c_int, c_ptr
+      integer(c_int), value :: tag, notation
+      type(c_ptr), intent(out) :: text
     end function
     integer(c_int) function xunGetUnitTagFromIdent(ident, tag) &
         bind(C, name='xunGetUnitTagFromIdent')
@@ -676,6 +695,17 @@ contains
     s = text_of(r, ptr, ok)
   end function
 
+  ! A text of the unit in a notation (XUN_NOTATION_CF, _ASCII or _UNICODE).
+  function xun_unit_text(tag, notation, ok) result(s)
+    integer(c_int), intent(in) :: tag, notation
+    logical, intent(out), optional :: ok
+    character(len=:), allocatable :: s
+    type(c_ptr) :: ptr
+    integer(c_int) :: r
+    r = xunGetUnitText(tag, notation, ptr)
+    s = text_of(r, ptr, ok)
+  end function
+
   function xun_unit_alias(tag, seq, ok) result(s)
     integer(c_int), intent(in) :: tag, seq
     logical, intent(out), optional :: ok
@@ -880,6 +910,23 @@ contains
     integer(c_int), intent(out) :: tag
     tag = 0
     xun_unit_tag = xunGetUnitTag(c_string(name), tag) /= 0
+  end function
+
+  ! A unit string as people and data files write it ("m3 s-1", "ft^3/s").
+  logical function xun_parse_unit(text, tag)
+    character(len=*), intent(in) :: text
+    integer(c_int), intent(out) :: tag
+    tag = 0
+    xun_parse_unit = xunParseUnit(c_string(text), tag) /= 0
+  end function
+
+  ! The same, answered only by an allowed unit of the item type.
+  logical function xun_parse_item_unit(itemKey, text, tag)
+    integer(c_int), intent(in) :: itemKey
+    character(len=*), intent(in) :: text
+    integer(c_int), intent(out) :: tag
+    tag = 0
+    xun_parse_item_unit = xunParseItemUnit(itemKey, c_string(text), tag) /= 0
   end function
 
   logical function xun_unit_tag_from_ident(ident, tag)

@@ -74,6 +74,10 @@ function xunGetUnitExpression(tag: cint; out expression: PChar): cint; cdecl;
 function xunGetUnitAlias(tag, seq: cint; out alias: PChar): cint; cdecl; external XunLibrary;
 function xunGetUnitTag(name: PChar; out tag: cint): cint; cdecl; external XunLibrary;
 function xunGetUnitTagFromIdent(ident: PChar; out tag: cint): cint; cdecl; external XunLibrary;
+function xunParseUnit(text: PChar; out tag: cint): cint; cdecl; external XunLibrary;
+function xunParseItemUnit(itemKey: cint; text: PChar; out tag: cint): cint; cdecl;
+  external XunLibrary;
+function xunGetUnitText(tag, notation: cint; out text: PChar): cint; cdecl; external XunLibrary;
 function xunGetItemUnitTag(itemKey: cint; name: PChar; out tag: cint): cint; cdecl;
   external XunLibrary;
 function xunGetItemFirstEqvUnit(itemKey: cint; out tag: cint; out key: PChar): cint; cdecl;
@@ -222,6 +226,8 @@ function xunGetUnitAbbreviationStr(tag: cint; out ok: Boolean): string;
 function xunGetUnitAbbreviationStr(tag: cint): string;
 function xunGetUnitExpressionStr(tag: cint; out ok: Boolean): string;
 function xunGetUnitExpressionStr(tag: cint): string;
+function xunGetUnitTextStr(tag, notation: cint; out ok: Boolean): string;
+function xunGetUnitTextStr(tag, notation: cint): string;
 function xunGetUnitAliasStr(tag, seq: cint; out ok: Boolean): string;
 function xunGetUnitAliasStr(tag, seq: cint): string;
 function xunGetItemFirstEqvUnitStr(itemKey: cint; out tag: cint; out ok: Boolean): string;
@@ -395,6 +401,20 @@ var
   ok: Boolean;
 begin
   Result := xunGetUnitExpressionStr(tag, ok);
+end;
+
+function xunGetUnitTextStr(tag, notation: cint; out ok: Boolean): string;
+var
+  text: PChar = nil;
+begin
+  Result := TextOf(xunGetUnitText(tag, notation, text), text, ok);
+end;
+
+function xunGetUnitTextStr(tag, notation: cint): string;
+var
+  ok: Boolean;
+begin
+  Result := xunGetUnitTextStr(tag, notation, ok);
 end;
 
 function xunGetUnitAliasStr(tag, seq: cint; out ok: Boolean): string;

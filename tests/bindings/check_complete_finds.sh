@@ -26,14 +26,14 @@ expect() {
 }
 
 # A new function with C linkage, declared after xunBaseGroupCheck.
-sed 's/^\(XUN_API int xunBaseGroupCheck(.*\)$/XUN_API int xunParseUnit(const char* text, int* tag);\n\1/' \
+sed 's/^\(XUN_API int xunBaseGroupCheck(.*\)$/XUN_API int xunGetUnitPlural(int tag, const char** text);\n\1/' \
     "$src/include/xun.h" >"$work/xun.h"
-grep -q xunParseUnit "$work/xun.h" || { echo "FAILED: could not add a function to the header"; exit 1; }
+grep -q xunGetUnitPlural "$work/xun.h" || { echo "FAILED: could not add a function to the header"; exit 1; }
 expect "a function added to xun.h" "$(printf '%s\n' \
-    'Fortran xun.f90: xunParseUnit is missing' \
-    'Pascal xun.pas: xunParseUnit is missing' \
-    'C# Xun.cs: xunParseUnit is missing' \
-    'Python prototypes: xunParseUnit is missing')" \
+    'Fortran xun.f90: xunGetUnitPlural is missing' \
+    'Pascal xun.pas: xunGetUnitPlural is missing' \
+    'C# Xun.cs: xunGetUnitPlural is missing' \
+    'Python prototypes: xunGetUnitPlural is missing')" \
     "$work/xun.h" "$src/bindings/fortran/xun.f90" "$src/bindings/pascal/xun.pas" \
     "$src/bindings/csharp/Xun.cs" "$src/python/xun"
 
