@@ -125,6 +125,20 @@ const char kIncludesHelp[] =
     "  --out DIR  write them into DIR (made if it does not exist) instead of the\n"
     "             current directory\n";
 
+const char kReportHelp[] =
+    "Usage: xun report --html FILE [OPTIONS]\n"
+    "\n"
+    "Writes one self-contained HTML page (its style, script and tables inside it;\n"
+    "it loads nothing else) to browse the installation: the item types by filter,\n"
+    "each with its dimension, user unit, decimals, default value and allowed units\n"
+    "(abbreviation, factor, offset, dimension); every unit with its names and\n"
+    "definition; a search box; and a converter between the units of an item type\n"
+    "that computes ((x * f1 + o1) - o2) / f2 in this order, as the library does,\n"
+    "so that its results equal the library's bit for bit.\n"
+    "\n"
+    "Options:\n"
+    "  --html FILE  the page to write\n";
+
 const char kCheckHelp[] =
     "Usage: xun check [OPTIONS] [SETUP]\n"
     "\n"
@@ -223,6 +237,14 @@ const std::vector<Command>& CommandTable() {
          0,
          0,
          &RunIncludes},
+        {"report",
+         "report --html FILE",
+         "write a page to browse the installation",
+         kReportHelp,
+         {{"--html", true, false}},
+         0,
+         0,
+         &RunReport},
         {"check",
          "check [SETUP] [--lang DIR]",
          "find every problem of a setup file and its language files",
