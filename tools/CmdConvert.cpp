@@ -341,9 +341,10 @@ bool ReadSettings(const Invocation& call, bool hasValue, Settings& settings, int
     if (call.Has("--column")) {
         const std::string text = call.Value("--column");
         char* end = nullptr;
+        errno = 0;
         const long column = std::strtol(text.c_str(), &end, 10);
         if (text.empty() || text[0] < '0' || text[0] > '9' || *end != '\0' || column < 1 ||
-            column > 1000000) {
+            errno == ERANGE) {
             status = UsageError(call.command, "--column takes a column number from 1, not '" +
                                                   Printable(text) + "'");
             return false;

@@ -83,6 +83,11 @@ TEST(ToolStream, TabDelimiter) {
                 0, "1\t200 \n", "");
 }
 
+TEST(ToolStream, ColumnBeyondTheLine) {
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--column", "4000000000", "m", "cm"}, "1 2\n"), 0,
+                "1 2\n", "");
+}
+
 TEST(ToolStream, ColumnOfBlankSeparatedTokens) {
     EXPECT_TOOL(
         Xun({"--home", "home", "convert", "--column", "2", "m", "cm"}, "  1   2  3\n4\n5 6\n"), 0,
@@ -97,7 +102,7 @@ TEST(ToolStream, StrictWithAColumn) {
 }
 
 TEST(ToolStream, BadColumnAndDelimiter) {
-    for (const char* column : {"0", "x", "", "-1", "1.5"})
+    for (const char* column : {"0", "x", "", "-1", "1.5", "99999999999999999999"})
         EXPECT_TOOL(Xun({"--home", "home", "convert", "--column", column, "m", "cm"}, "1\n"), 2, "",
                     "xun: --column takes a column number from 1, not '" + std::string(column) +
                         "'\n" + kUsageHint);
