@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Json.h"
+#include "Show.h"
 #include "Location.h"
 #include "Names.h"
 #include "Output.h"
@@ -57,6 +58,8 @@ std::vector<std::string> Aliases(int tag) {
         aliases.push_back(Text(alias));
     return aliases;
 }
+
+} // namespace
 
 void ShowUnit(int tag, Json* json) {
     const UnitInfo unit = GetUnitInfo(tag);
@@ -220,8 +223,6 @@ void ShowFilter(int bit, Json* json) {
         {"  item types", Join(itemTexts, ", ")}};
     PrintTable(stdout, table);
 }
-
-} // namespace
 
 int RunShow(const Invocation& call) {
     DataLocation location;

@@ -34,29 +34,43 @@ const char kToolHelpEnd[] = "\n'xun COMMAND --help' describes a command.\n";
 
 const char kConvertHelp[] =
     "Usage: xun convert [OPTIONS] VALUE FROM TO\n"
+    "       xun convert [OPTIONS] VALUEFROM TO      (10ft m, 1.5e3m3/s l/s)\n"
     "       xun convert [OPTIONS] FROM TO < numbers\n"
     "\n"
     "Converts VALUE from unit FROM to unit TO and prints the result. Without VALUE\n"
-    "it reads whitespace-separated numbers from standard input and prints each\n"
-    "converted number on a line of its own, converting in blocks of 65536 numbers;\n"
-    "it stops at the first text that is not a number, after printing the results\n"
-    "before it.\n"
+    "it reads standard input line by line and writes it out with every number\n"
+    "converted: a token (a run of characters other than blanks) or, with\n"
+    "--delimiter, a field that reads as a number is replaced by the converted\n"
+    "number; everything else (blanks, delimiters, headers, NA, empty fields,\n"
+    "numbers equal to the --delete marker) is copied unchanged. Numbers are\n"
+    "converted in blocks of 65536 through the library's array functions. With no\n"
+    "numbers at all (on a terminal before reading, or for an empty input) it\n"
+    "prints the formula of the conversion, as x[TO] = x[FROM] * FACTOR + OFFSET.\n"
     "\n"
     "FROM and TO are unit strings, read as xunParseUnit reads them: a name - an\n"
     "ident (UnitMeter), a description, with a final 's' added or dropped (meter,\n"
     "meters), an alias, an abbreviation - or a composed unit (m3/s, kg m-2 s-1,\n"
     "ft^3/s, kg/(m2*s), 'cubic feet per second', 'K @ 273.15'). A unit that no\n"
     "registered unit equals becomes a temporary unit that lives until the tool\n"
-    "ends. Both units must have the same dimension.\n"
+    "ends. Both units must have the same dimension. An argument that starts with\n"
+    "a number followed by a unit (10ft, '10 ft') is a value with its unit.\n"
     "\n"
     "Numbers are read in the C locale (decimal point), as strtod reads them (also\n"
-    "nan, inf and hexadecimal floating point). Results are printed with %.17g\n"
-    "(%.9g with --float), so that they read back as exactly the same value.\n"
+    "nan, inf and hexadecimal floating point). Results are printed with at most 15\n"
+    "significant digits (6 with --float), trailing zeros dropped: 212, 293.15, 3.6.\n"
     "\n"
     "Options:\n"
-    "  --delete VALUE  the missing-value marker: numbers equal to it are passed on\n"
-    "                  unconverted\n"
-    "  --float         convert in single precision (through the float array function)\n";
+    "  --exact          print the shortest text that reads back as exactly the\n"
+    "                   same value (for pipelines that must lose nothing)\n"
+    "  --digits N       print at most N significant digits (1 to 17)\n"
+    "  --delete VALUE   the missing-value marker: numbers equal to it are passed on\n"
+    "                   unconverted, as the text they were given as\n"
+    "  --float          convert in single precision (through the float array function)\n"
+    "  --strict         stop with status 1 at the first token or field that is not a\n"
+    "                   number, after writing what came before it\n"
+    "  --column N       convert only the N-th token or field of each line (from 1)\n"
+    "  --delimiter C    fields are separated by the character C (',' ';' '|', \\t\n"
+    "                   for a tab) instead of by blanks\n";
 
 const char kUnitsHelp[] =
     "Usage: xun units [OPTIONS]\n"
@@ -115,6 +129,20 @@ const char kIncludesHelp[] =
     "                statements in column 7, continuation lines have '&' in\n"
     "                column 6, and no line is longer than 72 columns\n";
 
+const char kReportHelp[] =
+    "Usage: xun report --html FILE [OPTIONS]\n"
+    "\n"
+    "Writes one self-contained HTML page (its style, script and tables inside it;\n"
+    "it loads nothing else) to browse the installation: the item types by filter,\n"
+    "each with its dimension, user unit, decimals, default value and allowed units\n"
+    "(abbreviation, factor, offset, dimension); every unit with its names and\n"
+    "definition; a search box; and a converter between the units of an item type\n"
+    "that computes ((x * f1 + o1) - o2) / f2 in this order, as the library does,\n"
+    "so that its results equal the library's bit for bit.\n"
+    "\n"
+    "Options:\n"
+    "  --html FILE  the page to write\n";
+
 const char kCheckHelp[] =
     "Usage: xun check [OPTIONS] [SETUP]\n"
     "\n"
@@ -163,8 +191,14 @@ const std::vector<Command>& CommandTable() {
          "convert [VALUE] FROM TO",
          "convert a value, or numbers from standard input",
          kConvertHelp,
-         {{"--delete", true, false}, {"--float", false, false}},
-         2,
+         {{"--delete", true, false},
+          {"--float", false, false},
+          {"--exact", false, false},
+          {"--digits", true, false},
+          {"--strict", false, false},
+          {"--column", true, false},
+          {"--delimiter", true, false}},
+         1,
          3,
          &RunConvert},
         {"units",
@@ -207,6 +241,14 @@ const std::vector<Command>& CommandTable() {
          0,
          0,
          &RunIncludes},
+        {"report",
+         "report --html FILE",
+         "write a page to browse the installation",
+         kReportHelp,
+         {{"--html", true, false}},
+         0,
+         0,
+         &RunReport},
         {"check",
          "check [SETUP] [--lang DIR]",
          "find every problem of a setup file and its language files",

@@ -65,6 +65,7 @@ int RunItems(const Invocation& call);
 int RunFilters(const Invocation& call);
 int RunShow(const Invocation& call);
 int RunIncludes(const Invocation& call);
+int RunReport(const Invocation& call);
 int RunCheck(const Invocation& call);
 int RunWhere(const Invocation& call);
 

@@ -21,6 +21,7 @@
 
 #include "Commands.h"
 #include "Output.h"
+#include "xun.h"
 
 using namespace xuntool;
 
@@ -154,6 +155,7 @@ int Run(const std::vector<std::string>& commandLine) {
     Parser leading("xun");
     for (const OptionDef& def : DataOptions())
         leading.Add(def);
+    leading.Add(OptionDef{"--version", false, false});
     leading.app.prefix_command();
     leading.Parse(hidden);
     std::vector<std::string> rest = leading.app.remaining();
@@ -165,6 +167,12 @@ int Run(const std::vector<std::string>& commandLine) {
         return status;
     if (leading.HelpGiven())
         return PrintHelp(nullptr);
+    if (call.Has("--version")) {
+        if (!rest.empty())
+            return UsageError(nullptr, "--version takes no command");
+        std::printf("xun %s\n", xunVersion());
+        return kExitOk;
+    }
     if (rest.empty())
         return UsageError(nullptr, "no command given");
     const std::string name = typed.Restore(rest[0]);

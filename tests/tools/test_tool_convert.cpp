@@ -15,13 +15,12 @@ using xuntest::Xun;
 namespace {
 
 TEST(ToolConvert, ByIdent) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "UnitFoot", "UnitMeter"}), 0,
-                "0.30480000000000002\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "UnitFoot", "UnitMeter"}), 0, "0.3048\n",
+                "");
 }
 
 TEST(ToolConvert, ByPluralDescriptionAndAlias) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "2", "feet", "meters"}), 0,
-                "0.60960000000000003\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "2", "feet", "meters"}), 0, "0.6096\n", "");
 }
 
 TEST(ToolConvert, ByAbbreviation) {
@@ -29,13 +28,12 @@ TEST(ToolConvert, ByAbbreviation) {
 }
 
 TEST(ToolConvert, ByExpression) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "UnitMeter/UnitSecond", "km/h"}), 0,
-                "3.5999999999999996\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "UnitMeter/UnitSecond", "km/h"}), 0, "3.6\n",
+                "");
 }
 
 TEST(ToolConvert, TemperatureWithOffsets) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "100", "degC", "degF"}), 0,
-                "211.99999999999997\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "100", "degC", "degF"}), 0, "212\n", "");
 }
 
 TEST(ToolConvert, NegativeValueIsNotAnOption) {
@@ -44,13 +42,13 @@ TEST(ToolConvert, NegativeValueIsNotAnOption) {
                      "\xB0"
                      "C",
                      "K"}),
-                0, "233.14999999999998\n", "");
+                0, "233.15\n", "");
 }
 
 TEST(ToolConvert, NegativeValueWithoutLeadingZero) {
     EXPECT_TOOL(Xun({"--home", "home", "convert", "-.5", "m", "cm"}), 0, "-50\n", "");
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "-.5", "-.5", "m", "cm"}), 0,
-                "-0.5\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "-.5", "-.5", "m", "cm"}), 0, "-.5\n",
+                "");
 }
 
 TEST(ToolConvert, DoubleDashEndsTheOptions) {
@@ -108,12 +106,11 @@ TEST(ToolConvert, TheTextSaysWhereItStopsMakingSense) {
 
 // Composed units as people and data files write them.
 TEST(ToolConvert, ComposedUnits) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "ft^3/s", "m^3/s"}), 0,
-                "0.028316846592000004\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "ft^3/s", "m^3/s"}), 0, "0.028316846592\n",
+                "");
     EXPECT_TOOL(Xun({"--home", "home", "convert", "36", "km h-1", "m.s-1"}), 0, "10\n", "");
     EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "m\xC2\xB3/s", "l s-1"}), 0, "1000\n", "");
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "K @ 273.15", "degF"}), 0,
-                "33.79999999999999\n", "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "K @ 273.15", "degF"}), 0, "33.8\n", "");
     EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "cubic meter per second", "l/s"}), 0,
                 "1000\n", "");
 }
@@ -124,11 +121,10 @@ TEST(ToolConvert, ComposedUnitsOfTheDefaultInstallation) {
                      "g/(m\xC2\xB2\xC2\xB7"
                      "d)"}),
                 0, "1728000000\n", "");
-    EXPECT_TOOL(Xun({"--home", home, "convert", "1", "ft^3/s", "m^3/s"}), 0,
-                "0.028316846592000004\n", "");
-    EXPECT_TOOL(Xun({"--home", home, "convert", "1", "m3.s-1", "l/s"}), 0, "1000\n", "");
-    EXPECT_TOOL(Xun({"--home", home, "convert", "1", "CFS", "m3 s-1"}), 0, "0.028316846592000004\n",
+    EXPECT_TOOL(Xun({"--home", home, "convert", "1", "ft^3/s", "m^3/s"}), 0, "0.028316846592\n",
                 "");
+    EXPECT_TOOL(Xun({"--home", home, "convert", "1", "m3.s-1", "l/s"}), 0, "1000\n", "");
+    EXPECT_TOOL(Xun({"--home", home, "convert", "1", "CFS", "m3 s-1"}), 0, "0.028316846592\n", "");
     EXPECT_TOOL(Xun({"--home", home, "convert", "1", "CFSS", "m3/s"}), 1, "",
                 "xun: cannot read the unit 'CFSS': at byte 1: no unit is named 'CFSS'; near "
                 "names: 'cfs'\n");
@@ -145,8 +141,7 @@ TEST(ToolConvert, NumberOutOfRange) {
 }
 
 TEST(ToolConvert, FloatRoundTrips) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "--float", "1", "m", "ft"}), 0, "3.28083992\n",
-                "");
+    EXPECT_TOOL(Xun({"--home", "home", "convert", "--float", "1", "m", "ft"}), 0, "3.28084\n", "");
 }
 
 TEST(ToolConvert, FloatOutOfRange) {
@@ -154,66 +149,9 @@ TEST(ToolConvert, FloatOutOfRange) {
                 "xun: number out of range for single precision: '1e39'\n");
 }
 
-TEST(ToolConvert, StdinNumbers) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "m", "cm"}, "1\t2\n"
-                                                              "\n"
-                                                              "  3.25\x0D"
-                                                              "\n"
-                                                              "-1e3 nan inf\n"),
-                0,
-                "100\n"
-                "200\n"
-                "325\n"
-                "-100000\n"
-                "nan\n"
-                "inf\n",
-                "");
-}
-
-TEST(ToolConvert, StdinStopsAtMalformedNumber) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "m", "cm"}, "1 2\n"
-                                                              "x 3\n"),
-                1,
-                "100\n"
-                "200\n",
-                "xun: standard input, line 2: not a number: 'x'\n");
-}
-
-TEST(ToolConvert, StdinFloat) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "--float", "ft", "m"}, "1 2.5\n"), 0,
-                "0.304800004\n"
-                "0.762000024\n",
-                "");
-}
-
-TEST(ToolConvert, DeleteValuePassesUnconverted) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "-999", "m", "cm"}, "1 -999 2\n"), 0,
-                "100\n"
-                "-999\n"
-                "200\n",
-                "");
-}
-
-TEST(ToolConvert, NanDeleteValueConvertsNothing) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "nan", "m", "cm"}, "1 2\n"), 0,
-                "1\n"
-                "2\n",
-                "");
-}
-
-TEST(ToolConvert, SingleValueEqualToDeleteValue) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "5", "5", "m", "cm"}), 0, "5\n", "");
-}
-
 TEST(ToolConvert, MalformedDeleteValue) {
     EXPECT_TOOL(Xun({"--home", "home", "convert", "--delete", "abc", "1", "m", "ft"}), 1, "",
                 "xun: --delete: not a number: 'abc'\n");
-}
-
-TEST(ToolConvert, TooFewArguments) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "m"}), 2, "",
-                "xun: missing argument\n"
-                "Try 'xun convert --help'.\n");
 }
 
 TEST(ToolConvert, TooManyArguments) {
@@ -239,46 +177,6 @@ TEST(ToolConvert, ZeroFactorIsRefused) {
     EXPECT_TOOL(Xun({"--home", "home", "convert", "1", "UnitMeter*0", "m"}), 1, "",
                 "xun: cannot read the unit 'UnitMeter*0': at byte 11: a factor of 0 gives no "
                 "unit\n");
-}
-
-// More numbers than one block of the array conversion, so that blocks meet
-// in the middle of the input.
-TEST(ToolConvert, StdinInManyBlocks) {
-    const int count = 150001;
-    std::string input;
-    std::string expected;
-    for (int i = 0; i < count; ++i) {
-        const double value = i * 0.25 - 1000.0;
-        char text[64];
-        std::snprintf(text, sizeof text, "%.17g%s", value, i % 7 == 0 ? "\n" : " ");
-        input += text;
-        // foot to meter: ((x * 0.3048 + 0) - 0) / 1
-        std::snprintf(text, sizeof text, "%.17g\n", ((value * 0.3048 + 0.0) - 0.0) / 1.0);
-        expected += text;
-    }
-    const xuntest::ToolResult result = Xun({"--home", "home", "convert", "ft", "m"}, input);
-    EXPECT_EQ(result.status, 0);
-    EXPECT_EQ(result.err, "");
-    EXPECT_TRUE(result.out == expected) << "the converted numbers differ";
-}
-
-TEST(ToolConvert, StdinEmpty) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "ft", "m"}, ""), 0, "", "");
-}
-
-TEST(ToolConvert, StdinOverlongToken) {
-    const std::string token(5000, '1');
-    const xuntest::ToolResult result = Xun({"--home", "home", "convert", "ft", "m"}, "2 " + token);
-    EXPECT_EQ(result.status, 1);
-    EXPECT_EQ(result.out, "0.60960000000000003\n");
-    EXPECT_EQ(result.err,
-              "xun: standard input, line 1: not a number: '" + std::string(80, '1') + "...'\n");
-}
-
-TEST(ToolConvert, ControlBytesInMessagesAreEscaped) {
-    EXPECT_TOOL(Xun({"--home", "home", "convert", "m", "cm"}, "1\x01"
-                                                              "2\n"),
-                1, "", "xun: standard input, line 1: not a number: '1\\x012'\n");
 }
 
 } // namespace

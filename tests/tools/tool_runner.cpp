@@ -6,6 +6,7 @@
 #include <cstring>
 
 #include <fcntl.h>
+#include <pty.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -238,10 +239,15 @@ ToolResult RunTool(const ToolRun& run) {
     argv.push_back(nullptr);
     const std::string cwd = run.cwd.empty() ? FixtureDir() : run.cwd;
 
+    int terminal = -1;
+    int terminalSide = -1;
+    if (run.terminalInput && ::openpty(&terminal, &terminalSide, nullptr, nullptr, nullptr) != 0)
+        return result;
+
     std::fflush(nullptr);
     const pid_t pid = ::fork();
     if (pid == 0) {
-        ::dup2(fileno(in), 0);
+        ::dup2(run.terminalInput ? terminalSide : fileno(in), 0);
         ::dup2(fileno(out), 1);
         ::dup2(fileno(err), 2);
         if (!run.keepKorvaneHome)
@@ -255,6 +261,17 @@ ToolResult RunTool(const ToolRun& run) {
         ::execv(argv[0], argv.data());
         ::_exit(127);
     }
+    if (run.terminalInput) {
+        ::close(terminalSide);
+        // Typed line by line; Ctrl-D at the start of a line ends the input.
+        std::string typed = run.input + "\x04";
+        ssize_t written = 0;
+        for (size_t done = 0; done < typed.size(); done += static_cast<size_t>(written)) {
+            written = ::write(terminal, typed.data() + done, typed.size() - done);
+            if (written <= 0)
+                break;
+        }
+    }
     int status = 0;
     if (pid > 0 && ::waitpid(pid, &status, 0) == pid) {
         if (WIFEXITED(status))
@@ -262,6 +279,8 @@ ToolResult RunTool(const ToolRun& run) {
         else if (WIFSIGNALED(status))
             result.status = 128 + WTERMSIG(status);
     }
+    if (run.terminalInput)
+        ::close(terminal);
     result.out = ReadAll(out);
     result.err = ReadAll(err);
     std::fclose(in);

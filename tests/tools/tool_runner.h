@@ -19,6 +19,8 @@ struct ToolRun {
     std::vector<std::string> env; // NAME=VALUE set for the run
     std::string cwd;              // working directory; default: FixtureDir()
     bool keepKorvaneHome = false; // KORVANE_HOME is removed unless set in env
+    bool terminalInput = false;   // standard input is a terminal (a pseudo-terminal) on
+                                  // which input is typed, then Ctrl-D
 };
 
 ToolResult RunTool(const ToolRun& run);
