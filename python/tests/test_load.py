@@ -94,8 +94,8 @@ def test_without_korvane_home_the_default_cannot_be_found(run_python):
         KORVANE_HOME=None,
     )
     expected = (
-        "KORVANE_HOME is not set: set it to an installation directory "
-        "(the one that holds bin/XUN.xml) or pass the setup file's path"
+        "KORVANE_HOME is not set and the package carries no installation: set it to an "
+        "installation directory (the one that holds bin/XUN.xml) or pass the setup file's path"
     )
     assert lines == [expected, expected]
 
@@ -227,3 +227,28 @@ def test_load_applies_the_language_files_and_load_setup_does_not(
         "UnitDegreeCelsius 1801",
     ]
     assert german_types[300][0] != level["Desc"]
+
+
+def test_the_first_lookup_loads_the_default_installation(run_python):
+    lines = run_ok(
+        run_python,
+        """
+        import xun
+        print(repr(xun.setup_path()))
+        print(xun.convert(1, "cfs", "m3/s") == xun.convert(1, "UnitCubicFootPerSecond", 2400))
+        print(xun.setup_path())
+        """,
+    )
+    assert lines == ["''", "True", DEFAULT]
+
+
+def test_no_installation_loads_nothing_on_a_lookup(run_python):
+    result = run_python(
+        """
+        import xun
+        print(len(xun.units()), repr(xun.setup_path()))
+        """,
+        KORVANE_HOME=None,
+    )
+    assert result.returncode == 0, result.stderr
+    assert result.stdout.splitlines() == ["0 ''"]

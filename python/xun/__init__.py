@@ -27,8 +27,8 @@ adds to what is there and nothing is ever unloaded. Calls are serialised by a
 lock, so threads may share the package.
 """
 
+from ._arrays import MAX_ARRAY_SIZE
 from ._conversion import (
-    MAX_ARRAY_SIZE,
     array_from_user_unit,
     array_to_user_unit,
     convert,

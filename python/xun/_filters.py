@@ -9,6 +9,7 @@ from typing import List, Union
 from ._args import encode, int_arg, text_out
 from ._errors import XunError
 from ._item_types import ItemType
+from ._loading import ensure_loaded
 from ._native import failure, library, lock
 
 
@@ -72,6 +73,7 @@ FilterLike = Union[Filter, int, str, bytes]
 
 def filter_by_bit(bit: int) -> Filter:
     """The filter with this bit value."""
+    ensure_loaded()
     bit = int_arg(bit, "filter bit")
     with lock:
         text_out("xunGetFilterIdent", bit)
@@ -80,6 +82,7 @@ def filter_by_bit(bit: int) -> Filter:
 
 def filter_by_ident(ident: Union[str, bytes]) -> Filter:
     """The filter with this ident."""
+    ensure_loaded()
     data = encode(ident, "filter ident")
     bit = ctypes.c_int()
     with lock:
@@ -101,6 +104,7 @@ def filter(which: FilterLike) -> Filter:  # noqa: A001 - the package's own names
 
 def filters() -> List[Filter]:
     """Every registered filter, in registration order."""
+    ensure_loaded()
     result = []
     bit = ctypes.c_int()
     text = ctypes.c_char_p()

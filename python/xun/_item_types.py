@@ -9,6 +9,7 @@ from typing import TYPE_CHECKING, List, Optional, Tuple, Union
 
 from ._args import encode, int_arg, text_out
 from ._errors import ErrorCode, XunError
+from ._loading import ensure_loaded
 from ._native import ask, clear_last_error, failure, last_error, library, lock
 from ._units import Unit, UnitLike, unit
 
@@ -154,6 +155,7 @@ ItemTypeLike = Union[ItemType, int, str, bytes]
 
 def item_type_by_key(key: int) -> ItemType:
     """The item type with this numeric key."""
+    ensure_loaded()
     key = int_arg(key, "item type key")
     with lock:
         text_out("xunGetItemTypeIdent", key)
@@ -162,6 +164,7 @@ def item_type_by_key(key: int) -> ItemType:
 
 def item_type_by_ident(ident: Union[str, bytes]) -> ItemType:
     """The item type with this ident."""
+    ensure_loaded()
     data = encode(ident, "item type ident")
     key = ctypes.c_int()
     with lock:
@@ -185,6 +188,7 @@ def item_type(which: ItemTypeLike) -> ItemType:
 
 def item_types() -> List[ItemType]:
     """Every registered item type, in registration order."""
+    ensure_loaded()
     result = []
     key = ctypes.c_int()
     text = ctypes.c_char_p()
@@ -202,6 +206,7 @@ def new_item_type(
 ) -> ItemType:
     """Creates an item type (keys from 110000 up) whose dimension, default and
     only allowed unit is the given unit."""
+    ensure_loaded()
     data_ident = encode(ident, "ident")
     data_description = encode(description, "description")
     target = unit(default_unit)

@@ -119,16 +119,42 @@ def _path_bytes(path: object, what: str) -> bytes:
     return encoded
 
 
+# The default installation a wheel carries beside the package (bin/XUN.xml and
+# the language files), used when KORVANE_HOME is not set.
+BUNDLED_HOME = os.path.join(os.path.dirname(os.path.abspath(__file__)), "installation")
+
+
+def bundled_home() -> Optional[str]:
+    """The installation carried in the package, or None when it has none."""
+    if os.path.isfile(os.path.join(BUNDLED_HOME, "bin", "XUN.xml")):
+        return BUNDLED_HOME
+    return None
+
+
+def _home() -> str:
+    """The installation of a load without a path: KORVANE_HOME, else the one
+    carried in the package. The library reads the language files from
+    $KORVANE_HOME/bin/, so KORVANE_HOME is set to the package's installation
+    when it is used (which child processes inherit)."""
+    home = os.environ.get("KORVANE_HOME")
+    if home is not None:
+        return home
+    bundled = bundled_home()
+    if bundled is None:
+        raise XunError(
+            "KORVANE_HOME is not set and the package carries no installation: set it to "
+            "an installation directory (the one that holds bin/XUN.xml) or pass the setup "
+            "file's path"
+        )
+    os.environ["KORVANE_HOME"] = bundled
+    return bundled
+
+
 def _setup_file(path: object) -> Tuple[str, bytes]:
     """The setup file that a load or check with this path reads, checked before
     the library sees it, which tells only that it cannot read the file."""
     if path is None or path == "" or path == b"":
-        home = os.environ.get("KORVANE_HOME")
-        if home is None:
-            raise XunError(
-                "KORVANE_HOME is not set: set it to an installation directory "
-                "(the one that holds bin/XUN.xml) or pass the setup file's path"
-            )
+        home = _home()
         encoded = _path_bytes(home + "/bin/XUN.xml", "path")
     else:
         encoded = _path_bytes(path, "path")
@@ -248,6 +274,40 @@ def refuse_fatal_expression(ident: bytes, expression: bytes) -> None:
 
 # ---- loading --------------------------------------------------------------------
 
+# Whether this process has asked for a load (even one that failed): from then
+# on the tables are what the caller made of them, and nothing is loaded
+# behind the caller's back.
+_load_asked = False
+
+
+def ensure_loaded() -> None:
+    """Loads the default installation (load(): KORVANE_HOME, else the one the
+    package carries) on the first lookup of a process that has loaded nothing,
+    so that xun.convert(1, "cfs", "m3/s") works right after import. A process
+    that has called a load keeps what it loaded; without any installation
+    nothing is loaded."""
+    if _load_asked:
+        return
+    if os.environ.get("KORVANE_HOME") is None and bundled_home() is None:
+        return  # nothing to load: lookups fail with the library's own message
+    with lock:
+        if not _load_asked:
+            load()
+
+
+def load_once(path: Optional[PathArg] = "") -> None:
+    """Loads path (""/None: the default installation) unless this process has
+    already loaded: what a Dask worker does before its first block."""
+    if not _load_asked:
+        with lock:
+            if not _load_asked:
+                load(path)
+
+
+def _asked() -> None:
+    global _load_asked
+    _load_asked = True
+
 
 def load(path: Optional[PathArg] = "") -> str:
     """Loads a setup file, then the localised texts of the language files
@@ -266,6 +326,7 @@ def load(path: Optional[PathArg] = "") -> str:
 
     Loading again adds what is new and refreshes descriptions; nothing is
     removed."""
+    _asked()
     name, encoded = _setup_file(path)
     folder = _language_dir()
     with lock:
@@ -291,6 +352,7 @@ def load_setup(path: Optional[PathArg] = "") -> str:
     descriptions and abbreviations are those of the setup file. An empty path
     loads $KORVANE_HOME/bin/XUN.xml. Returns the name of the loaded file.
     The file is checked first, as by load()."""
+    _asked()
     name, encoded = _setup_file(path)
     with lock:
         lib = library()
