@@ -399,10 +399,14 @@ def write_includes(directory: PathArg = ".") -> List[str]:
     allowed-units report (the files of INCLUDE_FILES) into directory, replacing
     files of those names. Returns their paths.
 
-    The library writes into the current directory: the process's working
-    directory is changed for the duration of the call. A file that cannot be
-    written would end the process in the library, so the directory and the files
-    are checked first and a problem raises XunError instead."""
+    The library writes into the current directory, which belongs to the whole
+    process: the files are written by a short-lived copy of this process
+    (os.fork, which has the same tables) that changes its own working
+    directory, so that the threads of this process keep theirs. A file that
+    cannot be written would end the process in the library, so the directory
+    and the files are checked first and a problem raises XunError instead;
+    should the copy end all the same, XunError says how, with what it
+    printed."""
     folder = os.fsdecode(_path_bytes(directory, "directory"))
     if not os.path.isdir(folder):
         raise XunError(f"'{folder}' is not a directory")
@@ -415,15 +419,57 @@ def write_includes(directory: PathArg = ".") -> List[str]:
         if os.path.lexists(path) and not os.access(path, os.W_OK):
             raise XunError(f"cannot write '{path}'")
     with lock:
-        lib = library()
-        previous = os.getcwd()
-        os.chdir(folder)
-        try:
-            clear_last_error()
-            lib.xunWriteItemTypeIncludes()
-            code, message = last_error()
-        finally:
-            os.chdir(previous)
+        code, message = _write_includes_in_child(os.path.abspath(folder))
     if code != ErrorCode.OK:
         raise XunError(message, code=code)
     return paths
+
+
+def _write_includes_in_child(folder: str) -> Tuple[int, str]:
+    """Runs xunWriteItemTypeIncludes in folder, in a forked copy of this
+    process; returns the code and message of the copy's last-error record.
+    The caller holds the lock, so the copy starts with no call of the library
+    under way."""
+    lib = library()
+    read_end, write_end = os.pipe()
+    with tempfile.TemporaryFile() as printed:
+        pid = os.fork()
+        if pid == 0:  # pragma: no cover - the copy; coverage does not see it
+            status = 1
+            try:
+                os.close(read_end)
+                os.dup2(printed.fileno(), 2)
+                os.chdir(folder)
+                clear_last_error()
+                lib.xunWriteItemTypeIncludes()
+                code, message = last_error()
+                os.write(write_end, f"{code}\n{message}".encode("utf-8", "surrogateescape"))
+                status = 0
+            except BaseException as error:
+                os.write(2, f"{type(error).__name__}: {error}".encode("utf-8", "replace"))
+            finally:
+                os._exit(status)
+        os.close(write_end)
+        chunks = []
+        while True:
+            chunk = os.read(read_end, 65536)
+            if not chunk:
+                break
+            chunks.append(chunk)
+        os.close(read_end)
+        _, status = os.waitpid(pid, 0)
+        printed.seek(0)
+        stderr = printed.read().decode("utf-8", "replace").strip()
+    answer = b"".join(chunks).decode("utf-8", "surrogateescape")
+    if os.WIFEXITED(status) and os.WEXITSTATUS(status) == 0 and "\n" in answer:
+        code_text, _, message = answer.partition("\n")
+        return int(code_text), message
+    how = (
+        f"was ended by signal {os.WTERMSIG(status)}"
+        if os.WIFSIGNALED(status)
+        else f"ended with status {os.WEXITSTATUS(status)}"
+    )
+    raise XunError(
+        f"xunWriteItemTypeIncludes: the process writing into '{folder}' {how}"
+        + (f": {stderr}" if stderr else "")
+    )
