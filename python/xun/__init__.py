@@ -14,8 +14,10 @@ Units are named by a ``Unit``, by their numeric key (tag), or by a unit string:
 an ident ("UnitFoot"), a name as a user types it ("foot", "feet", "ft") or a
 composed unit as people and data files write it ("m3 s-1", "kg/(m²·s)",
 "ft^3/s"); ``xun.parse_unit`` reads them, ``Unit.text`` writes them. Item
-types are named by an ``ItemType``, their numeric key or their ident; filters by
-a ``Filter``, their bit or their ident. Requests the library refuses raise
+types are named by an ``ItemType``, their numeric key, their ident or their
+description; filters by a ``Filter``, their bit, their ident or their
+description. What an object answers without an argument is a property, what
+needs an argument is a method. Requests the library refuses raise
 ``XunError`` with the library's own message and code; arguments of the wrong
 kind raise ``TypeError`` or ``ValueError``.
 

@@ -137,6 +137,7 @@ class Unit:
                 raise failure("xunGetBaseUnit")
         return Unit(tag.value)
 
+    @property
     def equivalent_units(self) -> List["Unit"]:
         """Every registered unit of the same dimension (this one included), in
         registration order."""
