@@ -29,6 +29,9 @@ adds to what is there and nothing is ever unloaded. Calls are serialised by a
 lock, so threads may share the package.
 """
 
+import sys as _sys
+
+from . import _accessors
 from ._arrays import MAX_ARRAY_SIZE
 from ._conversion import (
     array_from_user_unit,
@@ -78,6 +81,14 @@ from ._units import (
     units,
 )
 from ._version import __version__
+
+# The .xun accessors, for pandas and xarray when the program has imported them
+# (import xun.pandas or xun.xarray otherwise: neither is imported here, which
+# would cost seconds).
+if "pandas" in _sys.modules:
+    _accessors.register_pandas()
+if "xarray" in _sys.modules:
+    _accessors.register_xarray()
 
 __all__ = [
     "XunError",
