@@ -20,7 +20,15 @@ from xml.sax.saxutils import quoteattr
 
 from ._args import PathArg, decode
 from ._errors import ErrorCode, XunError
-from ._native import CHECK_REPORT, clear_last_error, failure, last_error, library, lock
+from ._native import (
+    CHECK_REPORT,
+    clear_last_error,
+    failure,
+    installed_path,
+    last_error,
+    library,
+    lock,
+)
 
 # Paths are kept by the library in buffers of 260 bytes.
 PATH_LIMIT = 259
@@ -119,15 +127,17 @@ def _path_bytes(path: object, what: str) -> bytes:
     return encoded
 
 
-# The default installation a wheel carries beside the package (bin/XUN.xml and
+# The default installation a wheel carries in the package (bin/XUN.xml and
 # the language files), used when KORVANE_HOME is not set.
 BUNDLED_HOME = os.path.join(os.path.dirname(os.path.abspath(__file__)), "installation")
 
 
 def bundled_home() -> Optional[str]:
-    """The installation carried in the package, or None when it has none."""
-    if os.path.isfile(os.path.join(BUNDLED_HOME, "bin", "XUN.xml")):
-        return BUNDLED_HOME
+    """The installation that came with the package: the one a wheel carries,
+    else the one cmake --install put beside the package; None without one."""
+    for home in (BUNDLED_HOME, installed_path("HOME")):
+        if home is not None and os.path.isfile(os.path.join(home, "bin", "XUN.xml")):
+            return home
     return None
 
 
@@ -151,8 +161,9 @@ def _home() -> str:
 
 
 def _setup_file(path: object) -> Tuple[str, bytes]:
-    """The setup file that a load or check with this path reads, checked before
-    the library sees it, which tells only that it cannot read the file."""
+    """The setup file that a load or check with this path reads. A path longer
+    than the library's buffers is refused here: the library would say only that
+    it cannot read the file."""
     if path is None or path == "" or path == b"":
         home = _home()
         encoded = _path_bytes(home + "/bin/XUN.xml", "path")
@@ -164,12 +175,8 @@ def _setup_file(path: object) -> Tuple[str, bytes]:
             f"the path of the setup file is {len(encoded)} bytes long, the library takes at "
             f"most {PATH_LIMIT}: '{name}'"
         )
-    if os.path.isdir(encoded):
-        raise XunError(f"'{name}' is a directory, not a setup file")
-    if not os.path.exists(encoded):
-        raise XunError(f"setup file '{name}' does not exist")
-    if not os.access(encoded, os.R_OK):
-        raise XunError(f"setup file '{name}' cannot be read")
+    # A file that cannot be read is the check's to report (xunSetupCheck,
+    # XUN_ERR_FILE), in the library's words.
     return name, encoded
 
 
