@@ -9,6 +9,7 @@
 #   <prefix>/lib/xun/fortran/xun.mod, libxunfortran.a  (when the build has gfortran)
 #   <prefix>/lib/pkgconfig/xun.pc
 #   <prefix>/lib/cmake/xun/xunConfig.cmake, xunConfigVersion.cmake, xunTargets*.cmake
+#   <prefix>/lib/python3.X/dist-packages/xun/ (the Python package, XUN_INSTALL_PYTHON)
 #
 # Every installed file refers to the others by relative paths, so the tree may be
 # installed with `cmake --install <build> --prefix <dir>` and moved afterwards.
@@ -113,3 +114,35 @@ install(FILES
   ${PROJECT_BINARY_DIR}/xunConfigVersion.cmake
   DESTINATION ${XUN_INSTALL_CMAKEDIR}
   COMPONENT Development)
+
+# The Python package, for the system Python: the modules of python/xun and
+# _installed.py, which tells the package where the library and the default
+# installation are, relative to itself (so that it needs no environment
+# variable and the tree may be moved).
+if(XUN_INSTALL_PYTHON AND XUN_INSTALL_PYTHONDIR)
+  foreach(_xun_what LIBRARY HOME)
+    if(_xun_what STREQUAL "LIBRARY")
+      set(_xun_dir "${CMAKE_INSTALL_LIBDIR}")
+    else()
+      set(_xun_dir "${XUN_INSTALL_DATADIR}")
+    endif()
+    if(IS_ABSOLUTE "${_xun_dir}" OR IS_ABSOLUTE "${XUN_INSTALL_PYTHONDIR}")
+      if(NOT IS_ABSOLUTE "${_xun_dir}")
+        set(_xun_dir "${CMAKE_INSTALL_PREFIX}/${_xun_dir}")
+      endif()
+      set(XUN_PY_TO_${_xun_what} "${_xun_dir}")
+    else()
+      file(RELATIVE_PATH XUN_PY_TO_${_xun_what} "/prefix/${XUN_INSTALL_PYTHONDIR}/xun" "/prefix/${_xun_dir}")
+    endif()
+  endforeach()
+  set(XUN_PY_TO_LIBRARY "${XUN_PY_TO_LIBRARY}/libxun.so.1")
+  configure_file(${CMAKE_CURRENT_LIST_DIR}/xun_installed.py.in ${PROJECT_BINARY_DIR}/python/_installed.py @ONLY)
+  install(DIRECTORY ${PROJECT_SOURCE_DIR}/python/xun/
+    DESTINATION ${XUN_INSTALL_PYTHONDIR}/xun
+    COMPONENT Runtime
+    FILES_MATCHING PATTERN "*.py" PATTERN "py.typed"
+    PATTERN "__pycache__" EXCLUDE PATTERN "installation" EXCLUDE)
+  install(FILES ${PROJECT_BINARY_DIR}/python/_installed.py
+    DESTINATION ${XUN_INSTALL_PYTHONDIR}/xun
+    COMPONENT Runtime)
+endif()

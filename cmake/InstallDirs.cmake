@@ -20,3 +20,27 @@ set(XUN_TOOL_TARGET "")
 if(TARGET xun-cli)
   set(XUN_TOOL_TARGET xun-cli)
 endif()
+
+# The Python package goes to the system Python's directory for packages of
+# this prefix (on Debian lib/python3.X/dist-packages, which /usr/local has on
+# the path), taken from Debian's /usr/bin/python3 where it exists.
+option(XUN_INSTALL_PYTHON "Install the Python package xun for the system Python" ON)
+if(EXISTS /usr/bin/python3)
+  set(XUN_PYTHON /usr/bin/python3 CACHE FILEPATH "The Python the package is installed for")
+else()
+  find_program(XUN_PYTHON python3)
+endif()
+if(XUN_INSTALL_PYTHON AND XUN_PYTHON AND NOT DEFINED CACHE{XUN_INSTALL_PYTHONDIR})
+  execute_process(
+    COMMAND ${XUN_PYTHON} -c "import os, sys, sysconfig
+p = sysconfig.get_path('purelib')
+print(next((os.path.relpath(p, b) for b in ('/usr/local', sys.prefix) if p.startswith(b + '/')), 'lib/python3/dist-packages'))"
+    OUTPUT_VARIABLE _xun_pythondir
+    OUTPUT_STRIP_TRAILING_WHITESPACE
+    RESULT_VARIABLE _xun_python_status)
+  if(NOT _xun_python_status EQUAL 0 OR _xun_pythondir STREQUAL "")
+    set(_xun_pythondir "lib/python3/dist-packages")
+  endif()
+  set(XUN_INSTALL_PYTHONDIR "${_xun_pythondir}" CACHE STRING
+    "Directory of the Python package xun, relative to the prefix")
+endif()

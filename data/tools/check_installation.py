@@ -181,7 +181,7 @@ class Checker:
             bit = f.bit & 0xFFFFFFFF
             if bit == 0 or bit & (bit - 1) or bit in RESERVED_FILTER_BITS:
                 self.problem("filter key 0x%X of %s is not a single free bit" % (bit, f.ident), f.ident)
-        members = {i.key for f in self.filters for i in f.item_types()}
+        members = {i.key for f in self.filters for i in f.item_types}
         for i in self.items:
             if i.key not in members:
                 self.problem("item type %s is in no filter" % i.ident, i.ident)

@@ -93,3 +93,61 @@ def test_write_includes_refuses_what_would_end_the_process(run_python, tmp_path)
         f"'{tmp_path / 'none'}' is not a directory",
         f"cannot write '{os.path.join(str(blocked), 'xunDefine.p__')}': it is a directory",
     ]
+
+
+def test_write_includes_leaves_the_working_directory_of_other_threads(run_python, tmp_path):
+    out = tmp_path / "out"
+    out.mkdir()
+    (tmp_path / "relative.txt").write_text("here")
+    lines = run_ok(
+        run_python,
+        f"""
+        import os, threading, xun
+        xun.load()
+        seen, done = [], threading.Event()
+
+        def read_relative_paths():
+            while not done.is_set():
+                try:
+                    with open("relative.txt") as stream:
+                        seen.append(stream.read())
+                except OSError as error:
+                    seen.append(repr(error))
+                seen.append(os.getcwd())
+
+        reader = threading.Thread(target=read_relative_paths)
+        reader.start()
+        for _ in range(20):
+            xun.write_includes({str(out)!r})
+        done.set()
+        reader.join()
+        print(len(seen) > 0, sorted(set(seen)))
+        """,
+    )
+    assert lines == [f"True {sorted({'here', str(tmp_path)})}"]
+    assert sorted(os.listdir(out)) == sorted(
+        ["xunDefine.c__", "xunDefine.f__", "xunDefine.p__", "xunDefine.cs", "xunAllowedUnits.HTML"]
+    )
+
+
+def test_a_writer_process_that_fails_is_reported(run_python, tmp_path):
+    gone = str(tmp_path / "gone")
+    lines = run_ok(
+        run_python,
+        f"""
+        import xun
+        from xun import _loading
+        xun.load()
+        try:
+            with _loading.lock:  # a directory removed after write_includes checked it
+                _loading._write_includes_in_child({gone!r})
+        except xun.XunError as error:
+            print(error)
+        print("alive")
+        """,
+    )
+    assert lines == [
+        f"xunWriteItemTypeIncludes: the process writing into '{gone}' ended with status 1: "
+        f"FileNotFoundError: [Errno 2] No such file or directory: '{gone}'",
+        "alive",
+    ]

@@ -48,7 +48,7 @@ def test_incompatible_units_raise():
     assert error.value.code == xun.ErrorCode.NOT_FOUND
     with pytest.raises(TypeError) as error:
         xun.convert(None, "meter", "foot")
-    assert str(error.value) == "value must be a number, got NoneType"
+    assert str(error.value) == "value must be a number or an array of numbers, got NoneType"
 
 
 def test_to_and_from_base():

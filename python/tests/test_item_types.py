@@ -107,7 +107,7 @@ def test_filters_and_their_item_types(setup_rows):
     order = [row["Ident"] for row in setup_rows["Items"]]
     for f, row in zip(listed, setup_rows["Filters"]):
         members = set(row["Items"].split(";"))
-        assert [it.ident for it in f.item_types()] == [i for i in order if i in members]
+        assert [it.ident for it in f.item_types] == [i for i in order if i in members]
     hydrology = xun.filter("FilterHydrology")
     assert hydrology == xun.filter(1) == xun.filter_by_bit(1) == xun.filter_by_ident("FilterHydrology")
     assert repr(hydrology) == "Filter(0x1, 'FilterHydrology', 'Hydrology')"

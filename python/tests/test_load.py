@@ -94,8 +94,8 @@ def test_without_korvane_home_the_default_cannot_be_found(run_python):
         KORVANE_HOME=None,
     )
     expected = (
-        "KORVANE_HOME is not set: set it to an installation directory "
-        "(the one that holds bin/XUN.xml) or pass the setup file's path"
+        "KORVANE_HOME is not set and the package carries no installation: set it to an "
+        "installation directory (the one that holds bin/XUN.xml) or pass the setup file's path"
     )
     assert lines == [expected, expected]
 
@@ -114,17 +114,21 @@ def test_an_explicit_path_needs_no_korvane_home(run_python, unit_texts):
 
 
 @pytest.mark.parametrize("call", ["load", "load_setup"])
-def test_file_problems_raise_before_the_library_is_asked(run_python, tmp_path, call):
+def test_file_problems_raise_with_the_library_message(run_python, tmp_path, call):
     long_name = "/" + "d" * 251 + "/XUN.xml"  # 260 bytes: one too many
     lines = run_ok(
         run_python,
         f"""
         import xun
-        for path in ({str(tmp_path / 'none.xml')!r}, {str(tmp_path)!r}, {long_name!r}):
+        for path in ({str(tmp_path / 'none.xml')!r}, {str(tmp_path)!r}):
             try:
                 xun.{call}(path)
             except xun.XunError as error:
-                print(error)
+                print(error.code.name, error)
+        try:
+            xun.{call}({long_name!r})
+        except xun.XunError as error:
+            print(error)
         try:
             xun.{call}("a\\0b")
         except ValueError as error:
@@ -137,8 +141,9 @@ def test_file_problems_raise_before_the_library_is_asked(run_python, tmp_path, c
         """,
     )
     assert lines == [
-        f"setup file '{tmp_path / 'none.xml'}' does not exist",
-        f"'{tmp_path}' is a directory, not a setup file",
+        f"FILE xunSetupCheck: the setup file '{tmp_path / 'none.xml'}' cannot be read or is not "
+        "well-formed XML",
+        f"FILE xunSetupCheck: the setup file '{tmp_path}' cannot be read or is not well-formed XML",
         f"the path of the setup file is {len(long_name)} bytes long, the library takes at most "
         f"259: '{long_name}'",
         "path contains a NUL character: 'a\\x00b'",
@@ -187,7 +192,9 @@ def test_unreadable_file(run_python, tmp_path):
             print(error)
         """,
     )
-    assert lines == [f"setup file '{locked}' cannot be read"]
+    assert lines == [
+        f"xunSetupCheck: the setup file '{locked}' cannot be read or is not well-formed XML"
+    ]
 
 
 def test_load_applies_the_language_files_and_load_setup_does_not(
@@ -227,3 +234,28 @@ def test_load_applies_the_language_files_and_load_setup_does_not(
         "UnitDegreeCelsius 1801",
     ]
     assert german_types[300][0] != level["Desc"]
+
+
+def test_the_first_lookup_loads_the_default_installation(run_python):
+    lines = run_ok(
+        run_python,
+        """
+        import xun
+        print(repr(xun.setup_path()))
+        print(xun.convert(1, "cfs", "m3/s") == xun.convert(1, "UnitCubicFootPerSecond", 2400))
+        print(xun.setup_path())
+        """,
+    )
+    assert lines == ["''", "True", DEFAULT]
+
+
+def test_no_installation_loads_nothing_on_a_lookup(run_python):
+    result = run_python(
+        """
+        import xun
+        print(len(xun.units()), repr(xun.setup_path()))
+        """,
+        KORVANE_HOME=None,
+    )
+    assert result.returncode == 0, result.stderr
+    assert result.stdout.splitlines() == ["0 ''"]

@@ -89,7 +89,7 @@ def test_dimension_text():
 
 def test_equivalent_and_base_units():
     meter = xun.unit("UnitMeter")
-    same = meter.equivalent_units()
+    same = meter.equivalent_units
     assert same[0] == meter
     assert xun.unit("UnitFoot") in same
     assert xun.unit("UnitSquareMeter") not in same
@@ -123,7 +123,7 @@ def test_a_unit_object_of_an_unknown_tag_raises_the_library_error():
         lambda: ghost.aliases,
         lambda: ghost.factor,
         lambda: ghost.base_unit,
-        lambda: ghost.equivalent_units(),
+        lambda: ghost.equivalent_units,
         lambda: ghost.is_equivalent("UnitMeter"),
     ):
         with pytest.raises(xun.XunError) as error:

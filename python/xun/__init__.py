@@ -14,8 +14,10 @@ Units are named by a ``Unit``, by their numeric key (tag), or by a unit string:
 an ident ("UnitFoot"), a name as a user types it ("foot", "feet", "ft") or a
 composed unit as people and data files write it ("m3 s-1", "kg/(m²·s)",
 "ft^3/s"); ``xun.parse_unit`` reads them, ``Unit.text`` writes them. Item
-types are named by an ``ItemType``, their numeric key or their ident; filters by
-a ``Filter``, their bit or their ident. Requests the library refuses raise
+types are named by an ``ItemType``, their numeric key, their ident or their
+description; filters by a ``Filter``, their bit, their ident or their
+description. What an object answers without an argument is a property, what
+needs an argument is a method. Requests the library refuses raise
 ``XunError`` with the library's own message and code; arguments of the wrong
 kind raise ``TypeError`` or ``ValueError``.
 
@@ -27,8 +29,11 @@ adds to what is there and nothing is ever unloaded. Calls are serialised by a
 lock, so threads may share the package.
 """
 
+import sys as _sys
+
+from . import _accessors
+from ._arrays import MAX_ARRAY_SIZE
 from ._conversion import (
-    MAX_ARRAY_SIZE,
     array_from_user_unit,
     array_to_user_unit,
     convert,
@@ -76,6 +81,14 @@ from ._units import (
     units,
 )
 from ._version import __version__
+
+# The .xun accessors, for pandas and xarray when the program has imported them
+# (import xun.pandas or xun.xarray otherwise: neither is imported here, which
+# would cost seconds).
+if "pandas" in _sys.modules:
+    _accessors.register_pandas()
+if "xarray" in _sys.modules:
+    _accessors.register_xarray()
 
 __all__ = [
     "XunError",

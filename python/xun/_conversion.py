@@ -1,14 +1,15 @@
-"""Conversion of single values and of NumPy arrays (in place, one library call
-per array): unit to unit, to and from the base unit, and to and from the user
+"""Conversion of single values and arrays (convert; in place, one library call
+per array: convert_array): unit to unit, to and from the base unit, and to and from the user
 unit of an item type."""
 
 from __future__ import annotations
 
 import ctypes
 import math
-from typing import TYPE_CHECKING, Any, SupportsFloat, Tuple, TypeVar
+from typing import TYPE_CHECKING, Any, Optional, SupportsFloat, Tuple, TypeVar, overload
 
 from ._args import float_arg
+from ._arrays import MAX_ARRAY_SIZE, convert_any
 from ._item_types import ItemTypeLike, item_type
 from ._native import failure, library, lock
 from ._units import UnitLike, unit
@@ -16,21 +17,93 @@ from ._units import UnitLike, unit
 if TYPE_CHECKING:
     import numpy
 
-# Array lengths cross the C interface as int.
-MAX_ARRAY_SIZE = 2**31 - 1
 
 Array = TypeVar("Array", bound="numpy.ndarray[Any, Any]")
 
 
-def convert(value: SupportsFloat, from_unit: UnitLike, to_unit: UnitLike) -> float:
-    """value in from_unit, converted to to_unit (double precision)."""
-    x = float_arg(value, "value")
+def _python_number(value: object) -> bool:
+    """True for a number of Python's own (not a NumPy scalar or array)."""
+    return type(value) in (int, float)
+
+
+def _missing_value(missing: object) -> float:
+    """The delete value the library is given for missing: +inf for None and NaN
+    (no finite value is missing; NaN elements stay NaN in any case), else the
+    number."""
+    if missing is None:
+        return math.inf
+    number = float_arg(missing, "missing")
+    return math.inf if math.isnan(number) else number
+
+
+@overload
+def convert(
+    value: float,
+    from_unit: UnitLike,
+    to_unit: UnitLike,
+    *,
+    missing: Optional[SupportsFloat] = None,
+    out: None = None,
+    dtype: None = None,
+) -> float: ...
+
+
+@overload
+def convert(
+    value: Any,
+    from_unit: UnitLike,
+    to_unit: UnitLike,
+    *,
+    missing: Optional[SupportsFloat] = None,
+    out: Any = None,
+    dtype: Any = None,
+) -> Any: ...
+
+
+def convert(
+    value: Any,
+    from_unit: UnitLike,
+    to_unit: UnitLike,
+    *,
+    missing: Optional[SupportsFloat] = None,
+    out: Any = None,
+    dtype: Any = None,
+) -> Any:
+    """value in from_unit, converted to to_unit, as a NumPy ufunc would.
+
+    A Python int or float gives a float. Anything else that NumPy reads as an
+    array of numbers - a NumPy array of any numeric type, byte order and
+    layout (slices and read-only arrays too), a NumPy scalar, a list - gives a
+    new array: float32 when the input is float32, else float64 (or dtype,
+    float32 or float64, when given); the input is never changed. A masked
+    array gives a masked array with the same mask. A pandas Series or
+    DataFrame, an xarray DataArray and a Dask array give the same kind of
+    object, with their index, coordinates and chunks (a Dask array is
+    converted lazily, block by block, inside Dask's workers).
+
+    out: a float64 or float32 array of the input's shape to convert into (in
+    place when out is value); returned. missing: elements equal to it stay as
+    they are (not converted); with NaN (math.nan, numpy.nan), NaN elements
+    stay NaN and every other element converts. NaN elements stay NaN in any
+    case.
+
+    The library converts each contiguous block in one call
+    (xunConvertItemArrayD or ...F); float32 elements are converted in double
+    precision and rounded. A refused conversion raises XunError and leaves
+    out as it was."""
     source, target = unit(from_unit), unit(to_unit)
-    result = ctypes.c_double()
-    with lock:
-        if library().xunConvertUnit(source.tag, target.tag, ctypes.byref(result), x) != 1:
-            raise failure("xunConvertUnit")
-    return result.value
+    if out is None and dtype is None and _python_number(value):
+        x = float(value)
+        if missing is not None and x == float_arg(missing, "missing"):
+            return x
+        result = ctypes.c_double()
+        with lock:
+            if library().xunConvertUnit(source.tag, target.tag, ctypes.byref(result), x) != 1:
+                raise failure("xunConvertUnit")
+        return result.value
+    return convert_any(
+        value, source, target, from_unit, to_unit, _missing_value(missing), out, dtype
+    )
 
 
 def to_base(value: SupportsFloat, in_unit: UnitLike) -> float:

@@ -4,11 +4,12 @@ ident, and the list of all filters."""
 from __future__ import annotations
 
 import ctypes
-from typing import List, Union
+from typing import List, Optional, Union
 
 from ._args import encode, int_arg, text_out
 from ._errors import XunError
 from ._item_types import ItemType
+from ._loading import ensure_loaded
 from ._native import failure, library, lock
 
 
@@ -36,6 +37,7 @@ class Filter:
         with lock:
             return text_out("xunGetFilterKey", self._bit)
 
+    @property
     def item_types(self) -> List[ItemType]:
         """The item types of the filter (file items only, except for the flyby
         filter), in registration order."""
@@ -72,6 +74,7 @@ FilterLike = Union[Filter, int, str, bytes]
 
 def filter_by_bit(bit: int) -> Filter:
     """The filter with this bit value."""
+    ensure_loaded()
     bit = int_arg(bit, "filter bit")
     with lock:
         text_out("xunGetFilterIdent", bit)
@@ -80,6 +83,7 @@ def filter_by_bit(bit: int) -> Filter:
 
 def filter_by_ident(ident: Union[str, bytes]) -> Filter:
     """The filter with this ident."""
+    ensure_loaded()
     data = encode(ident, "filter ident")
     bit = ctypes.c_int()
     with lock:
@@ -89,18 +93,54 @@ def filter_by_ident(ident: Union[str, bytes]) -> Filter:
 
 
 def filter(which: FilterLike) -> Filter:  # noqa: A001 - the package's own namespace
-    """A filter named by a Filter, its bit or its ident."""
+    """A filter named by a Filter, its bit, or a text: its ident, its
+    description (exact) or its bit in decimal or hexadecimal ("0x2") - the
+    names that `xun show` takes."""
     if isinstance(which, Filter):
         return which
     if isinstance(which, int) and not isinstance(which, bool):
         return filter_by_bit(which)
     if isinstance(which, (str, bytes)):
-        return filter_by_ident(which)
+        data = encode(which, "filter name")
+        bit = ctypes.c_int()
+        text = ctypes.c_char_p()
+        ensure_loaded()
+        with lock:
+            lib = library()
+            if lib.xunGetFilterKeyFromIdent(data, ctypes.byref(bit)) == 1:
+                return Filter(bit.value)
+            # The library's own message, for the ident, if no other name fits.
+            error = failure("xunGetFilterKeyFromIdent")
+            for seq in range(1, int(lib.xunGetFilterCount()) + 1):
+                if lib.xunGetFilterSeq(seq, ctypes.byref(bit), ctypes.byref(text)) != 1:
+                    raise failure("xunGetFilterSeq")
+                if text.value == data:
+                    return Filter(bit.value)
+            number = _bit(data)
+            if number is not None and lib.xunGetFilterKey(number, ctypes.byref(text)) == 1:
+                return Filter(number)
+        raise error
     raise TypeError(f"a filter is named by a Filter, an int or a text, got {type(which).__name__}")
+
+
+def _bit(data: bytes) -> Optional[int]:
+    """A bit value written as an unsigned number, decimal or with 0x, as the
+    C int that carries it (values up to 0xFFFFFFFF)."""
+    text = data.decode("ascii", "replace")
+    if not text[:1].isdigit():
+        return None
+    try:
+        number = int(text, 0)
+    except ValueError:
+        return None
+    if number > 0xFFFFFFFF:
+        return None
+    return number - 2**32 if number >= 2**31 else number
 
 
 def filters() -> List[Filter]:
     """Every registered filter, in registration order."""
+    ensure_loaded()
     result = []
     bit = ctypes.c_int()
     text = ctypes.c_char_p()

@@ -9,6 +9,7 @@ from typing import TYPE_CHECKING, List, Optional, Tuple, Union
 
 from ._args import encode, int_arg, text_out
 from ._errors import ErrorCode, XunError
+from ._loading import ensure_loaded
 from ._native import ask, clear_last_error, failure, last_error, library, lock
 from ._units import Unit, UnitLike, unit
 
@@ -154,6 +155,7 @@ ItemTypeLike = Union[ItemType, int, str, bytes]
 
 def item_type_by_key(key: int) -> ItemType:
     """The item type with this numeric key."""
+    ensure_loaded()
     key = int_arg(key, "item type key")
     with lock:
         text_out("xunGetItemTypeIdent", key)
@@ -162,6 +164,7 @@ def item_type_by_key(key: int) -> ItemType:
 
 def item_type_by_ident(ident: Union[str, bytes]) -> ItemType:
     """The item type with this ident."""
+    ensure_loaded()
     data = encode(ident, "item type ident")
     key = ctypes.c_int()
     with lock:
@@ -171,20 +174,51 @@ def item_type_by_ident(ident: Union[str, bytes]) -> ItemType:
 
 
 def item_type(which: ItemTypeLike) -> ItemType:
-    """An item type named by an ItemType, its numeric key or its ident."""
+    """An item type named by an ItemType, its numeric key, or a text: its
+    ident, its description (exact, as the language files give it) or its key
+    in decimal - the names that `xun show` takes."""
     if isinstance(which, ItemType):
         return which
     if isinstance(which, int) and not isinstance(which, bool):
         return item_type_by_key(which)
     if isinstance(which, (str, bytes)):
-        return item_type_by_ident(which)
+        data = encode(which, "item type name")
+        key = ctypes.c_int()
+        text = ctypes.c_char_p()
+        ensure_loaded()
+        with lock:
+            lib = library()
+            if lib.xunGetItemTypeKeyFromIdent(data, ctypes.byref(key)) == 1:
+                return ItemType(key.value)
+            # The library's own message, for the ident, if no other name fits.
+            error = failure("xunGetItemTypeKeyFromIdent")
+            for seq in range(1, int(lib.xunGetItemTypeCount()) + 1):
+                if lib.xunGetItemTypeSeq(seq, ctypes.byref(key), ctypes.byref(text)) != 1:
+                    raise failure("xunGetItemTypeSeq")
+                if text.value == data:
+                    return ItemType(key.value)
+            number = _decimal(data)
+            if number is not None and lib.xunGetItemTypeKey(number, ctypes.byref(text)) == 1:
+                return ItemType(number)
+        raise error
     raise TypeError(
         f"an item type is named by an ItemType, an int or a text, got {type(which).__name__}"
     )
 
 
+def _decimal(data: bytes) -> Optional[int]:
+    """A key written in decimal ("302", "-5"), if it fits a C int."""
+    text = data.decode("ascii", "replace")
+    body = text[1:] if text[:1] in "+-" else text
+    if not body.isdigit() or not body.isascii():
+        return None
+    number = int(text)
+    return number if -(2**31) <= number < 2**31 else None
+
+
 def item_types() -> List[ItemType]:
     """Every registered item type, in registration order."""
+    ensure_loaded()
     result = []
     key = ctypes.c_int()
     text = ctypes.c_char_p()
@@ -202,6 +236,7 @@ def new_item_type(
 ) -> ItemType:
     """Creates an item type (keys from 110000 up) whose dimension, default and
     only allowed unit is the given unit."""
+    ensure_loaded()
     data_ident = encode(ident, "ident")
     data_description = encode(description, "description")
     target = unit(default_unit)

@@ -20,7 +20,15 @@ from xml.sax.saxutils import quoteattr
 
 from ._args import PathArg, decode
 from ._errors import ErrorCode, XunError
-from ._native import CHECK_REPORT, clear_last_error, failure, last_error, library, lock
+from ._native import (
+    CHECK_REPORT,
+    clear_last_error,
+    failure,
+    installed_path,
+    last_error,
+    library,
+    lock,
+)
 
 # Paths are kept by the library in buffers of 260 bytes.
 PATH_LIMIT = 259
@@ -119,16 +127,45 @@ def _path_bytes(path: object, what: str) -> bytes:
     return encoded
 
 
+# The default installation a wheel carries in the package (bin/XUN.xml and
+# the language files), used when KORVANE_HOME is not set.
+BUNDLED_HOME = os.path.join(os.path.dirname(os.path.abspath(__file__)), "installation")
+
+
+def bundled_home() -> Optional[str]:
+    """The installation that came with the package: the one a wheel carries,
+    else the one cmake --install put beside the package; None without one."""
+    for home in (BUNDLED_HOME, installed_path("HOME")):
+        if home is not None and os.path.isfile(os.path.join(home, "bin", "XUN.xml")):
+            return home
+    return None
+
+
+def _home() -> str:
+    """The installation of a load without a path: KORVANE_HOME, else the one
+    carried in the package. The library reads the language files from
+    $KORVANE_HOME/bin/, so KORVANE_HOME is set to the package's installation
+    when it is used (which child processes inherit)."""
+    home = os.environ.get("KORVANE_HOME")
+    if home is not None:
+        return home
+    bundled = bundled_home()
+    if bundled is None:
+        raise XunError(
+            "KORVANE_HOME is not set and the package carries no installation: set it to "
+            "an installation directory (the one that holds bin/XUN.xml) or pass the setup "
+            "file's path"
+        )
+    os.environ["KORVANE_HOME"] = bundled
+    return bundled
+
+
 def _setup_file(path: object) -> Tuple[str, bytes]:
-    """The setup file that a load or check with this path reads, checked before
-    the library sees it, which tells only that it cannot read the file."""
+    """The setup file that a load or check with this path reads. A path longer
+    than the library's buffers is refused here: the library would say only that
+    it cannot read the file."""
     if path is None or path == "" or path == b"":
-        home = os.environ.get("KORVANE_HOME")
-        if home is None:
-            raise XunError(
-                "KORVANE_HOME is not set: set it to an installation directory "
-                "(the one that holds bin/XUN.xml) or pass the setup file's path"
-            )
+        home = _home()
         encoded = _path_bytes(home + "/bin/XUN.xml", "path")
     else:
         encoded = _path_bytes(path, "path")
@@ -138,12 +175,8 @@ def _setup_file(path: object) -> Tuple[str, bytes]:
             f"the path of the setup file is {len(encoded)} bytes long, the library takes at "
             f"most {PATH_LIMIT}: '{name}'"
         )
-    if os.path.isdir(encoded):
-        raise XunError(f"'{name}' is a directory, not a setup file")
-    if not os.path.exists(encoded):
-        raise XunError(f"setup file '{name}' does not exist")
-    if not os.access(encoded, os.R_OK):
-        raise XunError(f"setup file '{name}' cannot be read")
+    # A file that cannot be read is the check's to report (xunSetupCheck,
+    # XUN_ERR_FILE), in the library's words.
     return name, encoded
 
 
@@ -248,6 +281,40 @@ def refuse_fatal_expression(ident: bytes, expression: bytes) -> None:
 
 # ---- loading --------------------------------------------------------------------
 
+# Whether this process has asked for a load (even one that failed): from then
+# on the tables are what the caller made of them, and nothing is loaded
+# behind the caller's back.
+_load_asked = False
+
+
+def ensure_loaded() -> None:
+    """Loads the default installation (load(): KORVANE_HOME, else the one the
+    package carries) on the first lookup of a process that has loaded nothing,
+    so that xun.convert(1, "cfs", "m3/s") works right after import. A process
+    that has called a load keeps what it loaded; without any installation
+    nothing is loaded."""
+    if _load_asked:
+        return
+    if os.environ.get("KORVANE_HOME") is None and bundled_home() is None:
+        return  # nothing to load: lookups fail with the library's own message
+    with lock:
+        if not _load_asked:
+            load()
+
+
+def load_once(path: Optional[PathArg] = "") -> None:
+    """Loads path (""/None: the default installation) unless this process has
+    already loaded: what a Dask worker does before its first block."""
+    if not _load_asked:
+        with lock:
+            if not _load_asked:
+                load(path)
+
+
+def _asked() -> None:
+    global _load_asked
+    _load_asked = True
+
 
 def load(path: Optional[PathArg] = "") -> str:
     """Loads a setup file, then the localised texts of the language files
@@ -266,6 +333,7 @@ def load(path: Optional[PathArg] = "") -> str:
 
     Loading again adds what is new and refreshes descriptions; nothing is
     removed."""
+    _asked()
     name, encoded = _setup_file(path)
     folder = _language_dir()
     with lock:
@@ -291,6 +359,7 @@ def load_setup(path: Optional[PathArg] = "") -> str:
     descriptions and abbreviations are those of the setup file. An empty path
     loads $KORVANE_HOME/bin/XUN.xml. Returns the name of the loaded file.
     The file is checked first, as by load()."""
+    _asked()
     name, encoded = _setup_file(path)
     with lock:
         lib = library()
@@ -337,10 +406,14 @@ def write_includes(directory: PathArg = ".") -> List[str]:
     allowed-units report (the files of INCLUDE_FILES) into directory, replacing
     files of those names. Returns their paths.
 
-    The library writes into the current directory: the process's working
-    directory is changed for the duration of the call. A file that cannot be
-    written would end the process in the library, so the directory and the files
-    are checked first and a problem raises XunError instead."""
+    The library writes into the current directory, which belongs to the whole
+    process: the files are written by a short-lived copy of this process
+    (os.fork, which has the same tables) that changes its own working
+    directory, so that the threads of this process keep theirs. A file that
+    cannot be written would end the process in the library, so the directory
+    and the files are checked first and a problem raises XunError instead;
+    should the copy end all the same, XunError says how, with what it
+    printed."""
     folder = os.fsdecode(_path_bytes(directory, "directory"))
     if not os.path.isdir(folder):
         raise XunError(f"'{folder}' is not a directory")
@@ -353,15 +426,57 @@ def write_includes(directory: PathArg = ".") -> List[str]:
         if os.path.lexists(path) and not os.access(path, os.W_OK):
             raise XunError(f"cannot write '{path}'")
     with lock:
-        lib = library()
-        previous = os.getcwd()
-        os.chdir(folder)
-        try:
-            clear_last_error()
-            lib.xunWriteItemTypeIncludes()
-            code, message = last_error()
-        finally:
-            os.chdir(previous)
+        code, message = _write_includes_in_child(os.path.abspath(folder))
     if code != ErrorCode.OK:
         raise XunError(message, code=code)
     return paths
+
+
+def _write_includes_in_child(folder: str) -> Tuple[int, str]:
+    """Runs xunWriteItemTypeIncludes in folder, in a forked copy of this
+    process; returns the code and message of the copy's last-error record.
+    The caller holds the lock, so the copy starts with no call of the library
+    under way."""
+    lib = library()
+    read_end, write_end = os.pipe()
+    with tempfile.TemporaryFile() as printed:
+        pid = os.fork()
+        if pid == 0:  # pragma: no cover - the copy; coverage does not see it
+            status = 1
+            try:
+                os.close(read_end)
+                os.dup2(printed.fileno(), 2)
+                os.chdir(folder)
+                clear_last_error()
+                lib.xunWriteItemTypeIncludes()
+                code, message = last_error()
+                os.write(write_end, f"{code}\n{message}".encode("utf-8", "surrogateescape"))
+                status = 0
+            except BaseException as error:
+                os.write(2, f"{type(error).__name__}: {error}".encode("utf-8", "replace"))
+            finally:
+                os._exit(status)
+        os.close(write_end)
+        chunks = []
+        while True:
+            chunk = os.read(read_end, 65536)
+            if not chunk:
+                break
+            chunks.append(chunk)
+        os.close(read_end)
+        _, status = os.waitpid(pid, 0)
+        printed.seek(0)
+        stderr = printed.read().decode("utf-8", "replace").strip()
+    answer = b"".join(chunks).decode("utf-8", "surrogateescape")
+    if os.WIFEXITED(status) and os.WEXITSTATUS(status) == 0 and "\n" in answer:
+        code_text, _, message = answer.partition("\n")
+        return int(code_text), message
+    how = (
+        f"was ended by signal {os.WTERMSIG(status)}"
+        if os.WIFSIGNALED(status)
+        else f"ended with status {os.WEXITSTATUS(status)}"
+    )
+    raise XunError(
+        f"xunWriteItemTypeIncludes: the process writing into '{folder}' {how}"
+        + (f": {stderr}" if stderr else "")
+    )

@@ -4,8 +4,10 @@ the lock that serialises every call, and the library's last-error record.
 The library is looked for, in this order:
 
 1. the file named by the environment variable ``XUN_LIBRARY``;
-2. ``libxun.so.1`` in this package's directory;
-3. ``libxun.so.1`` through the system's dynamic loader (``LD_LIBRARY_PATH``,
+2. ``libxun.so.1`` in this package's directory (where a wheel has it);
+3. the library that ``cmake --install`` installed with the package (named by
+   the generated module ``_installed``, relative to the package);
+4. ``libxun.so.1`` through the system's dynamic loader (``LD_LIBRARY_PATH``,
    the loader cache, the standard directories).
 
 It is loaded on first use, so that ``import xun`` works without it. Every
@@ -17,6 +19,7 @@ library lacking one of them is refused as a whole instead of failing later.
 from __future__ import annotations
 
 import ctypes
+import importlib
 import os
 import threading
 from typing import Any, Dict, List, Optional, Tuple
@@ -24,6 +27,7 @@ from typing import Any, Dict, List, Optional, Tuple
 from ._errors import ErrorCode, XunError
 
 LIBRARY_NAME = "libxun.so.1"
+PACKAGE_DIR = os.path.dirname(os.path.abspath(__file__))
 
 # The C types of xun.h, spelled as ctypes types.
 c_int = ctypes.c_int
@@ -150,12 +154,28 @@ def _candidates() -> List[Tuple[str, str]]:
     if explicit:
         # An explicit choice is final: no silent fallback to another library.
         return [("XUN_LIBRARY", explicit)]
-    here = os.path.join(os.path.dirname(os.path.abspath(__file__)), LIBRARY_NAME)
+    here = os.path.join(PACKAGE_DIR, LIBRARY_NAME)
     result = []
     if os.path.exists(here):
         result.append(("the package directory", here))
+    installed = installed_path("LIBRARY")
+    if installed is not None and os.path.exists(installed):
+        result.append(("the installation", installed))
     result.append(("the system loader", LIBRARY_NAME))
     return result
+
+
+def installed_path(name: str) -> Optional[str]:
+    """A path that cmake --install wrote into the module _installed (LIBRARY,
+    HOME), made absolute; None for a package that was not installed so."""
+    try:
+        installed = importlib.import_module(__package__ + "._installed")
+    except ImportError:
+        return None
+    value = getattr(installed, name, None)
+    if not isinstance(value, str):
+        return None
+    return os.path.normpath(os.path.join(PACKAGE_DIR, value))
 
 
 def _declare(loaded: ctypes.CDLL) -> None:

@@ -8,7 +8,7 @@ from typing import TYPE_CHECKING, Dict, List, Optional, SupportsFloat, Tuple, Un
 
 from ._args import decode, encode, int_arg, text_out
 from ._errors import ErrorCode, XunError
-from ._loading import refuse_fatal_expression
+from ._loading import ensure_loaded, refuse_fatal_expression
 from ._native import ask, failure, last_error, library, lock, walk_ended
 
 if TYPE_CHECKING:  # pragma: no cover
@@ -137,6 +137,7 @@ class Unit:
                 raise failure("xunGetBaseUnit")
         return Unit(tag.value)
 
+    @property
     def equivalent_units(self) -> List["Unit"]:
         """Every registered unit of the same dimension (this one included), in
         registration order."""
@@ -162,7 +163,7 @@ class Unit:
         """value in this unit, converted to the unit to."""
         from ._conversion import convert
 
-        return convert(value, self, to)
+        return convert(float(value), self, to)
 
     def __eq__(self, other: object) -> bool:
         return isinstance(other, Unit) and other._tag == self._tag
@@ -201,6 +202,7 @@ def _dimension_text(powers: Tuple[float, ...]) -> str:
 
 def unit_by_tag(tag: int) -> Unit:
     """The unit with this numeric key."""
+    ensure_loaded()
     tag = int_arg(tag, "unit tag")
     with lock:
         text_out("xunGetUnitIdent", tag)
@@ -209,6 +211,7 @@ def unit_by_tag(tag: int) -> Unit:
 
 def unit_by_ident(ident: Union[str, bytes]) -> Unit:
     """The unit with this ident (exact, case-sensitive)."""
+    ensure_loaded()
     data = encode(ident, "unit ident")
     tag = ctypes.c_int()
     with lock:
@@ -220,6 +223,7 @@ def unit_by_ident(ident: Union[str, bytes]) -> Unit:
 def unit_by_name(name: Union[str, bytes]) -> Unit:
     """The first unit whose description matches name (also as singular or plural
     with a final "s") or which has name as an alias."""
+    ensure_loaded()
     data = encode(name, "unit name")
     tag = ctypes.c_int()
     with lock:
@@ -236,6 +240,7 @@ def parse_unit(text: Union[str, bytes], item: Optional["ItemTypeLike"] = None) -
     With item, the answer is one of the item type's allowed units, and no unit
     is made. XunError says where a text stops making sense and names near names
     of an unknown name."""
+    ensure_loaded()
     data = encode(text, "unit text")
     tag = ctypes.c_int()
     if item is None:
@@ -266,6 +271,7 @@ def unit(which: UnitLike) -> Unit:
 
 def units() -> List[Unit]:
     """Every registered unit, in registration order."""
+    ensure_loaded()
     result = []
     previous = 0
     tag = ctypes.c_int()
@@ -290,6 +296,7 @@ def new_unit(
 
     An expression that would end the process in the library (one whose factor
     is 0, such as "UnitMeter*0") raises XunError instead."""
+    ensure_loaded()
     arguments = [
         encode(ident, "ident"),
         encode(description, "description"),

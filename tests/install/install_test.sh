@@ -3,9 +3,9 @@
 # programs against the installed files only, each in a directory outside the
 # source tree: C through pkg-config, C++ through find_package(xun), Fortran and
 # Pascal through the installed bindings and the generated include files,
-# Python through the ctypes package. The tour_* steps build the same program
-# (tests/install/tour) in each language from the installed files; each must
-# print what the C one prints.
+# Python through the installed package. The tour_* steps build the same
+# program (tests/install/tour) in each language from the installed files;
+# each must print what the C one prints.
 #
 # usage: install_test.sh STEP
 #   setup    cmake --install into a new temporary prefix (its path goes to $XUN_STATE)
@@ -19,7 +19,8 @@
 # XUN_SOURCE_DIR, XUN_CMAKE, XUN_CC, XUN_CXX, XUN_VERSION, XUN_LIBDIR,
 # XUN_INCLUDEDIR, XUN_BINDIR, XUN_DATADIR, XUN_PKGCONFIGDIR, XUN_CMAKEDIR,
 # XUN_FORTRANMODDIR, XUN_TOOL (1 when the build has the xun tool),
-# XUN_FORTRAN_MODULE (1 when it has the compiled Fortran module), XUN_PYTHON.
+# XUN_FORTRAN_MODULE (1 when it has the compiled Fortran module), XUN_PYTHON,
+# XUN_PYTHONDIR.
 set -eu
 
 step=$1
@@ -267,25 +268,29 @@ python)
     python=$XUN_PYTHON
     "$python" -c 'import numpy' 2>/dev/null ||
         fail "$python cannot import numpy (Debian package python3-numpy)"
+    site=$prefix/$XUN_PYTHONDIR
+    [ -f "$site/xun/__init__.py" ] || fail "no Python package in $site"
+    [ -f "$site/xun/_installed.py" ] || fail "no $site/xun/_installed.py"
     work=$root/python
     mkdir -p "$work"
-    cp -r "$src/python/xun" "$work/"
     cp "$src/examples/python/convert.py" "$work/"
     cd "$work"
-    # The package finds the installed library through the system loader.
-    found=$(LD_LIBRARY_PATH=$libdir PYTHONPATH=$work "$python" -c '
-import xun
-xun.units()
-with open("/proc/self/maps") as maps:
-    print(xun.library_path(), sorted({l.split()[-1] for l in maps if "libxun.so" in l})[0])
+    # With no variable set, the installed package loads the installed library
+    # and the installed data, found relative to itself.
+    found=$(env -i PATH="$PATH" PYTHONPATH="$site" "$python" -c '
+import os, xun
+print(xun.convert(1, "ft", "m"))
+print(os.path.realpath(xun.library_path()))
+print(os.path.realpath(xun.setup_path()))
 ') || fail "import xun"
-    [ "$found" = "libxun.so.1 $(cd "$libdir" && pwd -P)/libxun.so.$XUN_VERSION" ] ||
-        fail "the package loaded '$found'"
+    expected=$(printf '%s\n' 0.3048 "$(cd "$libdir" && pwd -P)/libxun.so.$XUN_VERSION" \
+        "$(cd "$home/bin" && pwd -P)/XUN.xml")
+    [ "$found" = "$expected" ] || fail "the installed package printed '$found', expected '$expected'"
     expect_output "Python example" "$(printf '%s\n' '100 cfs = 2.831685 m3/s' \
         'levels in m: 0.3048 0.762 -999 3.048' \
         "refused: xunConvertUnit: cannot convert unit 1200 'UnitMeter' (dimension L) to "\
 "unit 1600 'UnitSecond' (dimension T): the dimensions differ")" \
-        env LD_LIBRARY_PATH="$libdir" PYTHONPATH="$work" KORVANE_HOME="$home" "$python" convert.py
+        env -i PATH="$PATH" PYTHONPATH="$site" "$python" convert.py
     ;;
 
 tour_c)
