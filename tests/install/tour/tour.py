@@ -37,7 +37,7 @@ for allowed in units:
     print(f"  {allowed.tag} {allowed.ident}")
 
 hydrology = xun.filter("FilterHydrology")
-members = hydrology.item_types()
+members = hydrology.item_types
 print(
     f"filter FilterHydrology: {len(members)} item types, the first {members[0].ident}, "
     f"ItemWaterLevel {'in it' if item.in_filter(hydrology) else 'not in it'}"
