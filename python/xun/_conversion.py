@@ -9,7 +9,7 @@ import math
 from typing import TYPE_CHECKING, Any, Optional, SupportsFloat, Tuple, TypeVar, overload
 
 from ._args import float_arg
-from ._arrays import MAX_ARRAY_SIZE, convert_any
+from ._arrays import MAX_ARRAY_SIZE, ConversionUnits, convert_any
 from ._item_types import ItemTypeLike, item_type
 from ._native import failure, library, lock
 from ._units import UnitLike, unit
@@ -118,9 +118,8 @@ def convert(
         if missing is not None and x == float_arg(missing, "missing"):
             return x
         return _convert_value("xunConvertUnit", (source.tag, target.tag), x)
-    return convert_any(
-        value, source, target, from_unit, to_unit, _missing_value(missing), out, dtype
-    )
+    units = ConversionUnits(source, target, from_unit, to_unit)
+    return convert_any(value, units, _missing_value(missing), out, dtype)
 
 
 def to_base(value: SupportsFloat, in_unit: UnitLike) -> float:
