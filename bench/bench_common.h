@@ -4,6 +4,7 @@
 #pragma once
 
 #include <chrono>
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <vector>
@@ -69,6 +70,20 @@ void TimeAlternating(benchmark::State& state, First runFirst, Second runSecond,
         }
         firstGoesFirst = !firstGoesFirst;
     }
+}
+
+// TimeAlternating, then the counters first_ns and second_ns (the time of one
+// of the `perBlock` operations a block of each candidate runs) and ratio
+// (first over second).
+template <class First, class Second>
+void TimePairedBlocks(benchmark::State& state, First runFirst, Second runSecond,
+                      std::size_t perBlock) {
+    double firstSeconds = 0, secondSeconds = 0;
+    TimeAlternating(state, runFirst, runSecond, firstSeconds, secondSeconds);
+    const double operations = static_cast<double>(state.iterations()) * perBlock;
+    state.counters["first_ns"] = firstSeconds / operations * 1e9;
+    state.counters["second_ns"] = secondSeconds / operations * 1e9;
+    state.counters["ratio"] = firstSeconds / secondSeconds;
 }
 
 #ifdef XUN_BENCH_UDUNITS

@@ -218,7 +218,7 @@ void ParseRepeatedUdunits(benchmark::State& state) {
     state.SetItemsProcessed(static_cast<int64_t>(state.iterations()));
 }
 
-// Both libraries in alternating blocks (TimeAlternating): libxun reads one
+// Both libraries in alternating blocks (TimePairedBlocks): libxun reads one
 // way of writing the 1,000 units, UDUNITS-2 the same texts; counters
 // first_ns and second_ns per text and their ratio.
 void PairedNew(benchmark::State& state) {
@@ -232,12 +232,7 @@ void PairedNew(benchmark::State& state) {
     // UDUNITS-2 reads the block libxun read last (or the next one when it
     // goes first): the same texts, equally often.
     auto theirs = [&] { UdunitsBlock(block != nullptr ? block : &texts[g_writing * kUnits]); };
-    double firstSeconds = 0, secondSeconds = 0;
-    TimeAlternating(state, ours, theirs, firstSeconds, secondSeconds);
-    const double parses = static_cast<double>(state.iterations()) * kUnits;
-    state.counters["first_ns"] = firstSeconds / parses * 1e9;
-    state.counters["second_ns"] = secondSeconds / parses * 1e9;
-    state.counters["ratio"] = firstSeconds / secondSeconds;
+    TimePairedBlocks(state, ours, theirs, kUnits);
     state.counters["first_pass_ns"] = firstPassNs;
 }
 
@@ -260,12 +255,7 @@ void PairedRepeated(benchmark::State& state) {
             ut_free(unit);
         }
     };
-    double firstSeconds = 0, secondSeconds = 0;
-    TimeAlternating(state, ours, theirs, firstSeconds, secondSeconds);
-    const double parses = static_cast<double>(state.iterations()) * kUnits;
-    state.counters["first_ns"] = firstSeconds / parses * 1e9;
-    state.counters["second_ns"] = secondSeconds / parses * 1e9;
-    state.counters["ratio"] = firstSeconds / secondSeconds;
+    TimePairedBlocks(state, ours, theirs, kUnits);
 }
 #endif
 

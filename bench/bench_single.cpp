@@ -208,12 +208,7 @@ void PairedSingle(benchmark::State& state) {
             cv_free(converter);
         }
     };
-    double firstSeconds = 0, secondSeconds = 0;
-    TimeAlternating(state, ours, made, firstSeconds, secondSeconds);
-    const double conversions = static_cast<double>(state.iterations()) * kPairs;
-    state.counters["first_ns"] = firstSeconds / conversions * 1e9;
-    state.counters["second_ns"] = secondSeconds / conversions * 1e9;
-    state.counters["ratio"] = firstSeconds / secondSeconds;
+    TimePairedBlocks(state, ours, made, kPairs);
 }
 #endif
 

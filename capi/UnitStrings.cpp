@@ -23,6 +23,20 @@ template <class Body> int Trapped(const char* function, Body&& body) {
     }
 }
 
+// Stores the tag of the unit parse(unit, message) finds, under the trap;
+// when it finds none, its error code and message are the function's failure.
+template <class Parse> int ParsedTag(const char* function, int* tag, Parse&& parse) {
+    return Trapped(function, [&] {
+        const CKVunit* unit = nullptr;
+        std::string message;
+        const int result = parse(unit, message);
+        if (result != XUN_OK)
+            return xunFail_(result, "%s: %s", function, message.c_str());
+        *tag = static_cast<int>(unit->m_lKey);
+        return 1;
+    });
+}
+
 } // namespace
 
 extern "C" {
@@ -34,14 +48,8 @@ int xunParseUnit(const char* text, int* tag) {
         *tag = 0;
         if (text == nullptr)
             return NullArgument("xunParseUnit", "text");
-        return Trapped("xunParseUnit", [&] {
-            const CKVunit* unit = nullptr;
-            std::string message;
-            const int result = xunParseUnitText_(Units(), text, unit, message);
-            if (result != XUN_OK)
-                return xunFail_(result, "xunParseUnit: %s", message.c_str());
-            *tag = static_cast<int>(unit->m_lKey);
-            return 1;
+        return ParsedTag("xunParseUnit", tag, [&](const CKVunit*& unit, std::string& message) {
+            return xunParseUnitText_(Units(), text, unit, message);
         });
     });
 }
@@ -56,14 +64,8 @@ int xunParseItemUnit(int itemKey, const char* text, int* tag) {
         const CKVitemType* item = ItemTypes().FindByKey(itemKey);
         if (item == nullptr)
             return UnknownItemType("xunParseItemUnit", itemKey);
-        return Trapped("xunParseItemUnit", [&] {
-            const CKVunit* unit = nullptr;
-            std::string message;
-            const int result = xunParseItemUnitText_(Registries(), *item, text, unit, message);
-            if (result != XUN_OK)
-                return xunFail_(result, "xunParseItemUnit: %s", message.c_str());
-            *tag = static_cast<int>(unit->m_lKey);
-            return 1;
+        return ParsedTag("xunParseItemUnit", tag, [&](const CKVunit*& unit, std::string& message) {
+            return xunParseItemUnitText_(Registries(), *item, text, unit, message);
         });
     });
 }

@@ -111,6 +111,18 @@ bool IsPercent(unsigned long c) {
     return c == '%';
 }
 
+// The operand of one atom: its value and its single term, to the power 1;
+// bare when it is the atom as written (not a stem whose digits are its
+// exponent).
+XunParsedUnit AtomOperand(const XunAtom& atom, bool bare) {
+    XunParsedUnit operand;
+    operand.terms.reserve(kTermsReserved);
+    operand.value = atom.value;
+    operand.bare = bare;
+    operand.terms.push_back(XunTerm{atom.key, atom.prefix, 1.0});
+    return operand;
+}
+
 void RemoveZeroTerms(std::vector<XunTerm>& terms) {
     std::size_t kept = 0;
     for (const XunTerm& term : terms)
@@ -918,11 +930,7 @@ bool Parser::ParseName(XunParsedUnit& out, Kind& kind, bool allowModifier) {
         }
         if (m_atoms.FindAtom(name, false, atom) == XunAtomLookup::Found) {
             m_pos = words[n - 1].end;
-            out = XunParsedUnit();
-            out.terms.reserve(kTermsReserved);
-            out.value = atom.value;
-            out.bare = true;
-            out.terms.push_back(XunTerm{atom.key, atom.prefix, 1.0});
+            out = AtomOperand(atom, true);
             kind = kAtom;
             return true;
         }
@@ -943,11 +951,7 @@ bool Parser::ParseName(XunParsedUnit& out, Kind& kind, bool allowModifier) {
     XunAtomLookup found = m_atoms.FindAtom(word, true, atom);
     if (found == XunAtomLookup::Found) {
         m_pos = words[0].end;
-        out = XunParsedUnit();
-        out.terms.reserve(kTermsReserved);
-        out.value = atom.value;
-        out.bare = true;
-        out.terms.push_back(XunTerm{atom.key, atom.prefix, 1.0});
+        out = AtomOperand(atom, true);
         kind = kAtom;
         return true;
     }
@@ -966,10 +970,7 @@ bool Parser::ParseName(XunParsedUnit& out, Kind& kind, bool allowModifier) {
                 if (exponent > kUnitStringMaxExponent)
                     return CheckExponent(exponent, stemEnd);
             }
-            out = XunParsedUnit();
-            out.terms.reserve(kTermsReserved);
-            out.value = stemAtom.value;
-            out.terms.push_back(XunTerm{stemAtom.key, stemAtom.prefix, 1.0});
+            out = AtomOperand(stemAtom, false);
             m_pos = words[0].end;
             Raise(out, exponent);
             kind = kComposite;

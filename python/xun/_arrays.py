@@ -9,7 +9,7 @@ from __future__ import annotations
 
 import ctypes
 import importlib
-from typing import Any, Optional, Tuple, Union
+from typing import Any, NamedTuple, Optional, Tuple, Union
 
 from ._native import failure, library, lock
 from ._units import Unit, UnitLike, unit
@@ -185,30 +185,30 @@ def _units_attribute(attrs: Any, target: Unit) -> None:
         attrs["units"] = target.text("cf")
 
 
-def convert_any(
-    value: Any,
-    source: Unit,
-    target: Unit,
-    from_unit: UnitLike,
-    to_unit: UnitLike,
-    delete: float,
-    out: Any,
-    dtype: Any,
-) -> Any:
+class ConversionUnits(NamedTuple):
+    """The two units of a conversion: resolved, and as the caller named them
+    (the names a Dask worker reads them from again)."""
+
+    source: Unit
+    target: Unit
+    from_unit: UnitLike
+    to_unit: UnitLike
+
+
+def convert_any(value: Any, units: ConversionUnits, delete: float, out: Any, dtype: Any) -> Any:
     """convert() for everything but a Python number."""
+    source, target = units.source, units.target
     module = _top_module(value)
     if module == "dask" and hasattr(value, "map_blocks"):
         if out is not None:
             raise TypeError("out= is not taken for a Dask array: the result is a new Dask array")
-        return convert_dask(value, source, target, from_unit, to_unit, delete, dtype)
+        return convert_dask(value, units, delete, dtype)
     if module == "xarray":
         if out is not None:
             raise TypeError("out= is not taken for an xarray object")
         if type(value).__name__ == "Dataset":
             raise TypeError("convert a Dataset's variables one by one: dataset['name']")
-        converted = convert_any(
-            value.data, source, target, from_unit, to_unit, delete, None, dtype
-        )
+        converted = convert_any(value.data, units, delete, None, dtype)
         result = value.copy(data=converted)
         _units_attribute(result.attrs, target)
         return result
@@ -232,28 +232,19 @@ def _convert_pandas(
     pd = importlib.import_module("pandas")
     if out is not None:
         raise TypeError("out= is not taken for a pandas object")
-    if isinstance(value, pd.Series):
-        data = convert_numpy(_pandas_numbers(value, dtype), source, target, delete, None, dtype)
-        result = pd.Series(data, index=value.index, name=value.name)
-    elif isinstance(value, pd.DataFrame):
-        data = convert_numpy(_pandas_numbers(value, dtype), source, target, delete, None, dtype)
-        result = pd.DataFrame(data, index=value.index, columns=value.columns)
-    else:
+    if not isinstance(value, (pd.Series, pd.DataFrame)):
         return convert_numpy(value, source, target, delete, None, dtype)
+    data = convert_numpy(_pandas_numbers(value, dtype), source, target, delete, None, dtype)
+    if isinstance(value, pd.Series):
+        result = pd.Series(data, index=value.index, name=value.name)
+    else:
+        result = pd.DataFrame(data, index=value.index, columns=value.columns)
     result.attrs = dict(value.attrs)
     _units_attribute(result.attrs, target)
     return result
 
 
-def convert_dask(
-    value: Any,
-    source: Unit,
-    target: Unit,
-    from_unit: UnitLike,
-    to_unit: UnitLike,
-    delete: float,
-    dtype: Any,
-) -> Any:
+def convert_dask(value: Any, units: ConversionUnits, delete: float, dtype: Any) -> Any:
     """A Dask array converted lazily: each block is converted where Dask runs
     it, by convert_block, which names the units by text so that a worker
     process reads them from its own tables."""
@@ -268,11 +259,11 @@ def convert_dask(
         chosen = np.dtype(np.float64)
     # The conversion is refused here, not in the workers, when the library
     # refuses it.
-    _probe(source, target, chosen)
+    _probe(units.source, units.target, chosen)
     return value.map_blocks(
         convert_block,
-        portable_unit(from_unit, source),
-        portable_unit(to_unit, target),
+        portable_unit(units.from_unit, units.source),
+        portable_unit(units.to_unit, units.target),
         delete,
         chosen.str,
         setup_path(),

@@ -9,7 +9,7 @@ import math
 from typing import TYPE_CHECKING, Any, Optional, SupportsFloat, Tuple, TypeVar, overload
 
 from ._args import float_arg
-from ._arrays import MAX_ARRAY_SIZE, convert_any
+from ._arrays import MAX_ARRAY_SIZE, ConversionUnits, convert_any
 from ._item_types import ItemTypeLike, item_type
 from ._native import failure, library, lock
 from ._units import UnitLike, unit
@@ -34,6 +34,27 @@ def _missing_value(missing: object) -> float:
         return math.inf
     number = float_arg(missing, "missing")
     return math.inf if math.isnan(number) else number
+
+
+def _convert_value(function: str, handles: Tuple[int, ...], x: float) -> float:
+    """x converted by the library function, which takes the handles (units,
+    item type), the result's address and x; its failure raised."""
+    result = ctypes.c_double()
+    with lock:
+        if getattr(library(), function)(*handles, ctypes.byref(result), x) != 1:
+            raise failure(function)
+    return result.value
+
+
+def _convert_array(
+    function: str, double: bool, handles: Tuple[int, ...], pointer: Any, count: int, delete: float
+) -> None:
+    """An array converted in place, in one call of the library function's D
+    (float64) or F (float32) form; its failure raised."""
+    name = function + ("D" if double else "F")
+    with lock:
+        if getattr(library(), name)(*handles, pointer, count, delete) != 1:
+            raise failure(name)
 
 
 @overload
@@ -96,58 +117,35 @@ def convert(
         x = float(value)
         if missing is not None and x == float_arg(missing, "missing"):
             return x
-        result = ctypes.c_double()
-        with lock:
-            if library().xunConvertUnit(source.tag, target.tag, ctypes.byref(result), x) != 1:
-                raise failure("xunConvertUnit")
-        return result.value
-    return convert_any(
-        value, source, target, from_unit, to_unit, _missing_value(missing), out, dtype
-    )
+        return _convert_value("xunConvertUnit", (source.tag, target.tag), x)
+    units = ConversionUnits(source, target, from_unit, to_unit)
+    return convert_any(value, units, _missing_value(missing), out, dtype)
 
 
 def to_base(value: SupportsFloat, in_unit: UnitLike) -> float:
     """value in the unit, converted to the base unit of its dimension."""
     x = float_arg(value, "value")
-    source = unit(in_unit)
-    result = ctypes.c_double()
-    with lock:
-        if library().xunConvertUnitToBase(source.tag, ctypes.byref(result), x) != 1:
-            raise failure("xunConvertUnitToBase")
-    return result.value
+    return _convert_value("xunConvertUnitToBase", (unit(in_unit).tag,), x)
 
 
 def from_base(value: SupportsFloat, to_unit: UnitLike) -> float:
     """value in the base unit of the unit's dimension, converted to the unit."""
     x = float_arg(value, "value")
-    target = unit(to_unit)
-    result = ctypes.c_double()
-    with lock:
-        if library().xunConvertUnitFromBase(target.tag, ctypes.byref(result), x) != 1:
-            raise failure("xunConvertUnitFromBase")
-    return result.value
+    return _convert_value("xunConvertUnitFromBase", (unit(to_unit).tag,), x)
 
 
 def to_user_unit(value: SupportsFloat, item: ItemTypeLike, from_unit: UnitLike) -> float:
     """value in from_unit, converted to the item type's user unit."""
     x = float_arg(value, "value")
     it, source = item_type(item), unit(from_unit)
-    result = ctypes.c_double()
-    with lock:
-        if library().xunConvertToUserUnit(it.key, source.tag, ctypes.byref(result), x) != 1:
-            raise failure("xunConvertToUserUnit")
-    return result.value
+    return _convert_value("xunConvertToUserUnit", (it.key, source.tag), x)
 
 
 def from_user_unit(value: SupportsFloat, item: ItemTypeLike, to_unit: UnitLike) -> float:
     """value in the item type's user unit, converted to to_unit."""
     x = float_arg(value, "value")
     it, target = item_type(item), unit(to_unit)
-    result = ctypes.c_double()
-    with lock:
-        if library().xunConvertFromUserUnit(it.key, target.tag, ctypes.byref(result), x) != 1:
-            raise failure("xunConvertFromUserUnit")
-    return result.value
+    return _convert_value("xunConvertFromUserUnit", (it.key, target.tag), x)
 
 
 def _array_arguments(array: object) -> Tuple[Any, int, bool]:
@@ -195,10 +193,7 @@ def convert_array(
     pointer, count, double = _array_arguments(array)
     delete = float_arg(delete_value, "delete_value")
     source, target = unit(from_unit), unit(to_unit)
-    name = "xunConvertItemArrayD" if double else "xunConvertItemArrayF"
-    with lock:
-        if getattr(library(), name)(source.tag, target.tag, pointer, count, delete) != 1:
-            raise failure(name)
+    _convert_array("xunConvertItemArray", double, (source.tag, target.tag), pointer, count, delete)
     return array
 
 
@@ -209,10 +204,9 @@ def array_to_user_unit(
     pointer, count, double = _array_arguments(array)
     delete = float_arg(delete_value, "delete_value")
     it, source = item_type(item), unit(from_unit)
-    name = "xunConvertItemArrayToUserUnitD" if double else "xunConvertItemArrayToUserUnitF"
-    with lock:
-        if getattr(library(), name)(it.key, source.tag, pointer, count, delete) != 1:
-            raise failure(name)
+    _convert_array(
+        "xunConvertItemArrayToUserUnit", double, (it.key, source.tag), pointer, count, delete
+    )
     return array
 
 
@@ -223,8 +217,7 @@ def array_from_user_unit(
     pointer, count, double = _array_arguments(array)
     delete = float_arg(delete_value, "delete_value")
     it, target = item_type(item), unit(to_unit)
-    name = "xunConvertItemArrayFromUserUnitD" if double else "xunConvertItemArrayFromUserUnitF"
-    with lock:
-        if getattr(library(), name)(it.key, target.tag, pointer, count, delete) != 1:
-            raise failure(name)
+    _convert_array(
+        "xunConvertItemArrayFromUserUnit", double, (it.key, target.tag), pointer, count, delete
+    )
     return array

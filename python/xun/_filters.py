@@ -8,7 +8,7 @@ from typing import List, Optional, Union
 
 from ._args import encode, int_arg, text_out
 from ._errors import XunError
-from ._item_types import ItemType
+from ._item_types import ItemType, key_by_name
 from ._loading import ensure_loaded
 from ._native import failure, library, lock
 
@@ -101,25 +101,7 @@ def filter(which: FilterLike) -> Filter:  # noqa: A001 - the package's own names
     if isinstance(which, int) and not isinstance(which, bool):
         return filter_by_bit(which)
     if isinstance(which, (str, bytes)):
-        data = encode(which, "filter name")
-        bit = ctypes.c_int()
-        text = ctypes.c_char_p()
-        ensure_loaded()
-        with lock:
-            lib = library()
-            if lib.xunGetFilterKeyFromIdent(data, ctypes.byref(bit)) == 1:
-                return Filter(bit.value)
-            # The library's own message, for the ident, if no other name fits.
-            error = failure("xunGetFilterKeyFromIdent")
-            for seq in range(1, int(lib.xunGetFilterCount()) + 1):
-                if lib.xunGetFilterSeq(seq, ctypes.byref(bit), ctypes.byref(text)) != 1:
-                    raise failure("xunGetFilterSeq")
-                if text.value == data:
-                    return Filter(bit.value)
-            number = _bit(data)
-            if number is not None and lib.xunGetFilterKey(number, ctypes.byref(text)) == 1:
-                return Filter(number)
-        raise error
+        return Filter(key_by_name("Filter", encode(which, "filter name"), _bit))
     raise TypeError(f"a filter is named by a Filter, an int or a text, got {type(which).__name__}")
 
 

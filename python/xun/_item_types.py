@@ -5,7 +5,7 @@ time."""
 from __future__ import annotations
 
 import ctypes
-from typing import TYPE_CHECKING, List, Optional, Tuple, Union
+from typing import TYPE_CHECKING, Callable, List, Optional, Tuple, Union
 
 from ._args import encode, int_arg, text_out
 from ._errors import ErrorCode, XunError
@@ -182,28 +182,36 @@ def item_type(which: ItemTypeLike) -> ItemType:
     if isinstance(which, int) and not isinstance(which, bool):
         return item_type_by_key(which)
     if isinstance(which, (str, bytes)):
-        data = encode(which, "item type name")
-        key = ctypes.c_int()
-        text = ctypes.c_char_p()
-        ensure_loaded()
-        with lock:
-            lib = library()
-            if lib.xunGetItemTypeKeyFromIdent(data, ctypes.byref(key)) == 1:
-                return ItemType(key.value)
-            # The library's own message, for the ident, if no other name fits.
-            error = failure("xunGetItemTypeKeyFromIdent")
-            for seq in range(1, int(lib.xunGetItemTypeCount()) + 1):
-                if lib.xunGetItemTypeSeq(seq, ctypes.byref(key), ctypes.byref(text)) != 1:
-                    raise failure("xunGetItemTypeSeq")
-                if text.value == data:
-                    return ItemType(key.value)
-            number = _decimal(data)
-            if number is not None and lib.xunGetItemTypeKey(number, ctypes.byref(text)) == 1:
-                return ItemType(number)
-        raise error
+        return ItemType(key_by_name("ItemType", encode(which, "item type name"), _decimal))
     raise TypeError(
         f"an item type is named by an ItemType, an int or a text, got {type(which).__name__}"
     )
+
+
+def key_by_name(kind: str, data: bytes, number: Callable[[bytes], Optional[int]]) -> int:
+    """The key of the item type or filter (kind "ItemType" or "Filter": the
+    library's xunGet<kind>... functions) that the text names: its ident, else
+    its description (exact), else the key that number() reads from the text.
+    When none fits, raises the library's error for the ident."""
+    key = ctypes.c_int()
+    text = ctypes.c_char_p()
+    ensure_loaded()
+    with lock:
+        lib = library()
+        if getattr(lib, f"xunGet{kind}KeyFromIdent")(data, ctypes.byref(key)) == 1:
+            return key.value
+        # The library's own message, for the ident, if no other name fits.
+        error = failure(f"xunGet{kind}KeyFromIdent")
+        for seq in range(1, int(getattr(lib, f"xunGet{kind}Count")()) + 1):
+            if getattr(lib, f"xunGet{kind}Seq")(seq, ctypes.byref(key), ctypes.byref(text)) != 1:
+                raise failure(f"xunGet{kind}Seq")
+            if text.value == data:
+                return key.value
+        written = number(data)
+        key_text = getattr(lib, f"xunGet{kind}Key")
+        if written is not None and key_text(written, ctypes.byref(text)) == 1:
+            return written
+    raise error
 
 
 def _decimal(data: bytes) -> Optional[int]:

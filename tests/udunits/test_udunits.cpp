@@ -28,6 +28,7 @@
 #include <string>
 #include <vector>
 
+#include "udunits_handles.h"
 #include "xun.h"
 
 namespace {
@@ -527,14 +528,8 @@ std::string Number(double value) {
     return text.str();
 }
 
-struct UnitDeleter {
-    void operator()(ut_unit* unit) const { ut_free(unit); }
-};
-struct ConverterDeleter {
-    void operator()(cv_converter* converter) const { cv_free(converter); }
-};
-using UnitPtr = std::unique_ptr<ut_unit, UnitDeleter>;
-using ConverterPtr = std::unique_ptr<cv_converter, ConverterDeleter>;
+using xuntest::ConverterPtr;
+using xuntest::UnitPtr;
 
 std::string Format(const ut_unit* unit) {
     char text[256];

@@ -23,6 +23,7 @@
 #include <vector>
 
 #include "unit_strings_table.h"
+#include "udunits_handles.h"
 #include "units/CfAtoms.h"
 #include "units/UnitPrefixes.h"
 #include "units/UnitString.h"
@@ -30,14 +31,8 @@
 
 namespace {
 
-struct UnitDeleter {
-    void operator()(ut_unit* unit) const { ut_free(unit); }
-};
-struct ConverterDeleter {
-    void operator()(cv_converter* converter) const { cv_free(converter); }
-};
-using UnitPtr = std::unique_ptr<ut_unit, UnitDeleter>;
-using ConverterPtr = std::unique_ptr<cv_converter, ConverterDeleter>;
+using xuntest::ConverterPtr;
+using xuntest::UnitPtr;
 
 struct Meaning {
     double factor = 1.0;
