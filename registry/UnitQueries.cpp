@@ -8,8 +8,29 @@
 #include "common/Contract.h"
 #include "xun.h"
 
+namespace {
+
+// The name rules of xunUnitNameMatches_ for one name, its length taken once.
+class NameMatcher {
+  public:
+    explicit NameMatcher(const char* name)
+        : m_name(name), m_length(static_cast<int>(std::strlen(name))) {}
+    bool operator()(const std::string& desc) const {
+        return xunUnitNameMatches_(desc, m_name, m_length);
+    }
+
+  private:
+    const char* m_name;
+    int m_length;
+};
+
+} // namespace
+
 bool xunUnitNameMatches_(const std::string& desc, const char* name) {
-    const int nameLength = static_cast<int>(std::strlen(name));
+    return xunUnitNameMatches_(desc, name, static_cast<int>(std::strlen(name)));
+}
+
+bool xunUnitNameMatches_(const std::string& desc, const char* name, int nameLength) {
     const int descLength = static_cast<int>(desc.size());
     if (nameLength == descLength)
         return std::memcmp(desc.data(), name, static_cast<size_t>(nameLength)) == 0;
@@ -23,8 +44,10 @@ bool xunUnitNameMatches_(const std::string& desc, const char* name) {
 }
 
 const CKVunit* xunFindUnitByName_(const CKVunitRegistry& units, const char* name) {
+    const NameMatcher matches(name);
+    const std::string alias(name);
     for (const CKVunit* unit : units)
-        if (xunUnitNameMatches_(unit->m_strDesc, name) || unit->IsAlias(name))
+        if (matches(unit->m_strDesc) || unit->IsAlias(alias))
             return unit;
     return nullptr;
 }
@@ -32,20 +55,22 @@ const CKVunit* xunFindUnitByName_(const CKVunitRegistry& units, const char* name
 const CKVunit* xunFindItemUnitByName_(const CKVregistries& registries, const CKVitemType& item,
                                       const char* name) {
     // Each candidate is looked up again by its key and compared by the
-    // description of the unit registered under that key.
-    auto matches = [&](const CKVunit* candidate) -> const CKVunit* {
+    // description of the unit registered under that key. The length of the
+    // name is taken once.
+    const NameMatcher matches(name);
+    auto match = [&](const CKVunit* candidate) -> const CKVunit* {
         const CKVunit* unit = registries.units.FindByKey(candidate->m_lKey);
-        return unit != nullptr && xunUnitNameMatches_(unit->m_strDesc, name) ? unit : nullptr;
+        return unit != nullptr && matches(unit->m_strDesc) ? unit : nullptr;
     };
     if (item.m_nNumId == xun::contract::kAnyUnitItemType) {
         for (const CKVunit* candidate : registries.units)
-            if (const CKVunit* found = matches(candidate))
+            if (const CKVunit* found = match(candidate))
                 return found;
         return nullptr;
     }
     const long count = static_cast<long>(item.m_lstUnits.size());
     for (long i = 1; i <= count; ++i)
-        if (const CKVunit* found = matches(item.GetUnit(i)))
+        if (const CKVunit* found = match(item.GetUnit(i)))
             return found;
     return nullptr;
 }

@@ -12,6 +12,8 @@
 // is its singular (description = name + "s") or its plural (name =
 // description + "s"). Case-sensitive; lengths compared as 32-bit values.
 bool xunUnitNameMatches_(const std::string& desc, const char* name);
+// The same with the name's length (strlen) given.
+bool xunUnitNameMatches_(const std::string& desc, const char* name, int nameLength);
 
 // The first unit in registration order whose description matches name by
 // the rules above or which has name as an alias; null when none does.

@@ -77,8 +77,14 @@ class CKVunitRegistry : public IUnitSet {
 
     // The key for a unit created at run time: one above the largest key in
     // use, at least 100000. False when the largest key leaves no room in the
-    // interface's int.
+    // interface's int. Constant time: the registry keeps its largest key.
     bool NextRunTimeKey(long& key) const;
+
+    // A number that changes with every Add and Remove, and that no other
+    // registry of the process has had: what was found in this registry
+    // under one generation (a position, say) still holds while the
+    // generation is the same.
+    unsigned long Generation() const { return m_generation; }
 
     // Throws std::logic_error naming the first broken invariant (the table's,
     // and every key entry matching its unit).
@@ -96,8 +102,13 @@ class CKVunitRegistry : public IUnitSet {
     CKVunitKeyEntry EntryOf(const CKVunit& unit);
     int DimensionClassOf(const CKVdimension& dim);
 
+    void Changed();
+
     CKVtable<const CKVunit> m_table;
     CKVhashIndex<long, CKVunitKeyEntry> m_entries;
+    // The largest key registered (meaningless while the registry is empty).
+    long m_largestKey = 0;
+    unsigned long m_generation = 0;
     // The dimension classes handed out: a dimension's exponents (as bit
     // patterns, zeros of either sign alike) -> its class.
     struct DimensionKey {

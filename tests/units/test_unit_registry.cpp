@@ -113,6 +113,24 @@ TEST(UnitRegistry, UnitNewCountsUpFromTheLargestKey) {
     EXPECT_EQ(Tag("x"), 200001);
 }
 
+// The registry keeps its largest key; when the unit of the largest key
+// leaves, the next largest one counts.
+TEST(UnitRegistry, UnitNewCountsOnFromTheLargestKeyLeft) {
+    RegisterUnit("a", 100005, 1.0, 0.0, CKVdimension::GetLength());
+    RegisterUnit("b", 100009, 1.0, 0.0, CKVdimension::GetLength());
+    EXPECT_NE(xuntest::Registries().units.Remove(xuntest::UnitByKey(100009)), nullptr);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
+    ASSERT_EQ(xunUnitNew("x", "x", "x", "a"), 1);
+    EXPECT_EQ(Tag("x"), 100006);
+    EXPECT_NE(xuntest::Registries().units.Remove(xuntest::UnitByKey(100006)), nullptr);
+    EXPECT_NE(xuntest::Registries().units.Remove(xuntest::UnitByKey(100005)), nullptr);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
+    RegisterUnit("c", 7, 1.0, 0.0, CKVdimension::GetLength());
+    ASSERT_EQ(xunUnitNew("y", "y", "y", "c"), 1);
+    EXPECT_EQ(Tag("y"), 100000);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
+}
+
 TEST(UnitRegistry, UnitNewSetsNamesAndKeepsTheExpression) {
     RegisterBaseUnits();
     ASSERT_EQ(xunUnitNew("degF", "degree Fahrenheit", "F", "Temperature*5/9+459.67*5/9"), 1);
