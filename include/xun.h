@@ -105,7 +105,9 @@ XUN_API int xunGetItemFirstEqvUnit(int itemKey, int* tag, const char** key);
 XUN_API int xunUnitsEqv(int tag1, int tag2);
 XUN_API int xunGetBaseUnit(int tag, int* baseTag, const char** baseKey);
 /* Walks: pass prevTag 0 to start, then the tag last returned; 0 at the end
-   (XUN_ERR_END). */
+   (XUN_ERR_END). A walk visits every unit once and ends, also where keys do
+   not fit an int: the calling thread remembers the unit it was handed last
+   (one memory per function). */
 XUN_API int xunGetNextEqvUnit(int tag, int prevTag, int* nextTag, const char** nextKey);
 XUN_API int xunGetNextUnit(int prevTag, int* nextTag, const char** nextKey);
 /* powers and factors each receive 7 doubles. */

@@ -156,6 +156,9 @@ class SetupLoader {
     void LoadItemTypes(const NodePtr& group);
     void LoadFilters(const NodePtr& group);
     void ReportUnreadGroups(const NodePtr& units, const NodePtr& items, const NodePtr& filters);
+    template <class Registry, class KeyText>
+    void ReportSharedInterfaceKeys(const Registry& registry, const char* kind, const char* key,
+                                   KeyText keyText);
 
     CKVregistries& m_registries;
     CKVunitRegistry& m_units;
@@ -656,6 +659,42 @@ void SetupLoader::ReportUnreadGroups(const NodePtr& units, const NodePtr& items,
     }
 }
 
+// The int that a key reaches the interface as, as a key text takes it: a
+// filter bit as its 32 bits, a key as the signed int.
+long InterfaceValue(long key, const char* noun) {
+    const int value = static_cast<int>(key);
+    return std::strcmp(noun, "bit") == 0 ? static_cast<long>(static_cast<unsigned>(value)) : value;
+}
+
+// Keys cross the interface as int: a key that does not fit reaches it as its
+// low 32 bits, which may be the key of another object. Every object of this
+// load whose key does so is reported with the first registered object that
+// shares its int (each pair with the first of its int: the interface cannot
+// tell them apart).
+template <class Registry, class KeyText>
+void SetupLoader::ReportSharedInterfaceKeys(const Registry& registry, const char* kind,
+                                            const char* key, KeyText keyText) {
+    std::unordered_map<int, const void*> first;
+    first.reserve(registry.Count());
+    for (const auto* object : registry) {
+        const long value = XunKeyOf(*object);
+        const auto found = first.emplace(static_cast<int>(value), object);
+        if (found.second || m_lines.count(object) == 0)
+            continue;
+        const auto* other = static_cast<decltype(object)>(found.first->second);
+        const auto line = m_lines.find(other);
+        m_report.Warning(
+            m_file, m_lines[object],
+            std::string(kind) + " " + Quote(XunIdentOf(*object)) + ": KvId " + keyText(value) +
+                " reaches the interface as the " + key + " " + keyText(InterfaceValue(value, key)) +
+                ", as does the KvId " + keyText(XunKeyOf(*other)) + " of " + kind + " " +
+                Quote(XunIdentOf(*other)) +
+                (line != m_lines.end() ? " (line " + std::to_string(line->second) + ")"
+                                       : std::string(" (registered before this load)")) +
+                ": the interface cannot tell the two apart");
+    }
+}
+
 // Whether the XML parser library may be used: its first initialisation in
 // the process either completed, or ran out of memory part way. In the
 // second case the library counts itself initialised and will never finish,
@@ -743,6 +782,12 @@ int SetupLoader::Run() {
         LoadItemTypes(items);
     if (filters)
         LoadFilters(filters);
+    if (m_report.Observed()) {
+        auto number = [](long key) { return std::to_string(key); };
+        ReportSharedInterfaceKeys(m_units, "unit", "tag", number);
+        ReportSharedInterfaceKeys(m_registries.itemTypes, "item type", "key", number);
+        ReportSharedInterfaceKeys(m_registries.filters, "filter", "bit", FilterBitText);
+    }
     return 1;
 }
 

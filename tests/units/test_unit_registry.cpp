@@ -383,6 +383,56 @@ TEST(UnitRegistry, NextEqvUnitStartsAtTheFirstEquivalentUnit) {
     EXPECT_EQ(tag, -1);
 }
 
+// Keys beyond the int range reach the interface as their low 32 bits: 1000
+// for 2^32 + 1000 (the tag of UnitMeter), 0 for 2^32. A walk still visits
+// every unit once and ends: each thread remembers what its walk handed out
+// last.
+TEST(UnitRegistry, WalksWithKeysBeyondTheIntRangeVisitEachUnitOnce) {
+    RegisterUnit("m", 1000, 1.0, 0.0, CKVdimension::GetLength(), "meter");
+    RegisterUnit("wide", 0x100000000L + 1000, 2.0, 0.0, CKVdimension::GetLength(), "wide");
+    RegisterUnit("s", 1100, 1.0, 0.0, CKVdimension::GetTime(), "second");
+    RegisterUnit("zero", 0x100000000L, 3.0, 0.0, CKVdimension::GetLength(), "zero");
+    RegisterUnit("km", 1001, 1000.0, 0.0, CKVdimension::GetLength(), "kilometer");
+    auto walk = [](int reference) {
+        std::vector<std::string> seen;
+        int tag = 0;
+        const char* key = nullptr;
+        for (int prev = 0; reference == 0 ? xunGetNextUnit(prev, &tag, &key)
+                                          : xunGetNextEqvUnit(reference, prev, &tag, &key);
+             prev = tag) {
+            seen.push_back(key);
+            if (seen.size() > 10)
+                break;
+        }
+        return seen;
+    };
+    const std::vector<std::string> all{"meter", "wide", "second", "zero", "kilometer"};
+    EXPECT_EQ(walk(0), all);
+    EXPECT_EQ(walk(1001), (std::vector<std::string>{"meter", "wide", "zero", "kilometer"}));
+    // Again: a finished walk starts from the front.
+    EXPECT_EQ(walk(0), all);
+    // A walk of all units with a walk of equivalents inside each step.
+    std::vector<std::string> outer;
+    int tag = 0;
+    const char* key = nullptr;
+    for (int prev = 0; xunGetNextUnit(prev, &tag, &key) && outer.size() < 10; prev = tag) {
+        outer.push_back(key);
+        EXPECT_EQ(walk(1001).size(), 4u);
+    }
+    EXPECT_EQ(outer, all);
+    // Without the walk before it, 1000 is UnitMeter's tag.
+    ASSERT_EQ(xunGetNextUnit(1000, &tag, &key), 1);
+    EXPECT_STREQ(key, "wide");
+    EXPECT_EQ(tag, 1000);
+    ASSERT_EQ(xunGetNextUnit(1000, &tag, &key), 1);
+    EXPECT_STREQ(key, "second");
+    // A change of the registry forgets the memory: 1000 is UnitMeter again.
+    ASSERT_EQ(xunGetNextUnit(1000, &tag, &key), 1);
+    RegisterUnit("late", 1200, 1.0, 0.0, CKVdimension::GetLength(), "late");
+    ASSERT_EQ(xunGetNextUnit(1000, &tag, &key), 1);
+    EXPECT_STREQ(key, "wide");
+}
+
 TEST(UnitRegistry, NextEqvUnitOnEmptyRegistry) {
     int tag = -1;
     const char* key = nullptr;
