@@ -64,7 +64,7 @@ extern "C" {
 #define XUN_ERR_EXPRESSION 11        /* the expression does not give a unit */
 #define XUN_ERR_FILE 12              /* a file cannot be read or parsed */
 #define XUN_ERR_NO_MEMORY 13         /* memory ran out */
-#define XUN_ERR_LIMIT 14             /* a limit of the library (key space, path length) */
+#define XUN_ERR_LIMIT 14             /* a limit of the library (keys, path length, XML bounds) */
 #define XUN_ERR_INTERNAL 15          /* an unexpected internal error */
 
 /* The code of the last failed call on the calling thread (XUN_OK when none

@@ -137,6 +137,9 @@ class SetupLoader {
 
     // 1 when the document was loaded and processed, 0 when it could not be.
     int Run();
+    // Why the document was refused when it passed a bound of the XML layer;
+    // empty otherwise.
+    const std::string& Refusal() const { return m_refusal; }
 
   private:
     long LineOf(const NodePtr& node) const {
@@ -165,6 +168,7 @@ class SetupLoader {
     CXunLoadReport& m_report;
     const std::string& m_file;
     CSmartPtr<IXMLDOMDocument> m_document;
+    std::string m_refusal;
     // Where each object of this load was defined (observed loads only).
     std::unordered_map<const void*, long> m_lines;
 };
@@ -616,8 +620,11 @@ void SetupLoader::ReportUnreadGroups(const NodePtr& units, const NodePtr& items,
     xercesc::DOMDocument* document = m_document->m_pDoc;
     XMLCh groupTag[] = {'G', 'r', 'o', 'u', 'p', 0};
     XMLCh nameTag[] = {'N', 'a', 'm', 'e', 0};
+    // The lists are walked until item() runs out: the length of such a live
+    // list walks the whole document each time it is asked, while stepping
+    // on from the item before costs constant time.
     xercesc::DOMNodeList* groups = document->getElementsByTagName(groupTag);
-    for (XMLSize_t i = 0; groups != nullptr && i < groups->getLength(); ++i) {
+    for (XMLSize_t i = 0; groups != nullptr && groups->item(i) != nullptr; ++i) {
         auto* element = static_cast<xercesc::DOMElement*>(groups->item(i));
         const CString name = IXMLDOMNode::wide2cstr(element->getAttribute(nameTag));
         const NodePtr* selected = name == "Units"     ? &units
@@ -649,7 +656,7 @@ void SetupLoader::ReportUnreadGroups(const NodePtr& units, const NodePtr& items,
         XMLCh rowTag[] = {'R', 0};
         auto* element = static_cast<xercesc::DOMElement*>((*group)->m_pNode);
         xercesc::DOMNodeList* all = element->getElementsByTagName(rowTag);
-        for (XMLSize_t i = 0; all != nullptr && i < all->getLength(); ++i) {
+        for (XMLSize_t i = 0; all != nullptr && all->item(i) != nullptr; ++i) {
             const xercesc::DOMNode* r = all->item(i);
             if (read.count(r) == 0)
                 m_report.Dropped(m_file, m_document->LineOf(r),
@@ -751,24 +758,24 @@ int SetupLoader::Run() {
     m_document->m_bLoadOption3 = true;
     m_document->RecordLines(m_report.Observed());
     if (!m_document->load(CString(m_file.c_str()))) {
-        std::string error = m_document->FirstError().GetString();
-        if (m_report.Observed()) {
-            std::FILE* file = std::fopen(m_file.c_str(), "r");
-            const int openError = errno;
-            if (file == nullptr) {
-                m_report.Message(stderr, "Document '" + m_file + "' not parsed successfully. \n",
-                                 m_file, 0,
-                                 std::string("the file cannot be read (") +
-                                     std::strerror(openError) + "); a load refuses it");
-                return 0;
-            }
-            std::fclose(file);
+        const std::string error = m_document->FirstError().GetString();
+        const long line = m_document->FirstErrorLine();
+        std::string why;
+        switch (m_document->LoadFailure()) {
+        case IXMLDOMDocument::Failure::Unreadable:
+            why = error + "; a load refuses it";
+            break;
+        case IXMLDOMDocument::Failure::Bound:
+            m_refusal = error;
+            why = error + "; a load refuses the file";
+            break;
+        default:
+            why = error.empty() ? "the file cannot be read as XML; a load refuses it"
+                                : "not well-formed XML: " + error + "; a load refuses the file";
+            break;
         }
         m_report.Message(stderr, "Document '" + m_file + "' not parsed successfully. \n", m_file,
-                         m_document->FirstErrorLine(),
-                         error.empty()
-                             ? "the file cannot be read as XML; a load refuses it"
-                             : "not well-formed XML: " + error + "; a load refuses the file");
+                         line, m_report.Observed() ? why : std::string());
         return 0;
     }
     const NodePtr units = m_document->selectSingleNode(CString(kUnitsGroup));
@@ -794,7 +801,7 @@ int SetupLoader::Run() {
 } // namespace
 
 int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadReport& report,
-                      std::string& fileName) {
+                      std::string& fileName, std::string* refusal) {
     fileName = (path != nullptr && path[0] != '\0') ? std::string(path)
                                                     : xunInstallDir_() + "XUN" + ".xml";
     // The numeric locale of the host, restored after a successful load (and
@@ -826,7 +833,10 @@ int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadRepor
     }
     int result = 0;
     try {
-        result = SetupLoader(registries, report, fileName).Run();
+        SetupLoader loader(registries, report, fileName);
+        result = loader.Run();
+        if (refusal != nullptr)
+            *refusal = loader.Refusal();
     } catch (const xercesc::XMLException&) {
         result = 0;
     } catch (const xercesc::OutOfMemoryException&) {
