@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include <climits>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -129,6 +130,39 @@ TEST(UnitRegistry, UnitNewCountsOnFromTheLargestKeyLeft) {
     ASSERT_EQ(xunUnitNew("y", "y", "y", "c"), 1);
     EXPECT_EQ(Tag("y"), 100000);
     EXPECT_EQ(xuntest::BrokenInvariant(), "");
+}
+
+// A run-time key must cross the interface as the unit's own int tag: after a
+// largest key of INT_MAX or LONG_MAX (registered from a file) none is left,
+// and xunUnitNew fails with XUN_ERR_LIMIT instead of counting on past it.
+TEST(UnitRegistry, UnitNewRefusesKeysBeyondTheInt) {
+    const long largest[] = {INT_MAX, static_cast<long>(INT_MAX) + 1, LONG_MAX};
+    for (long key : largest) {
+        RegisterUnit("top", key, 1.0, 0.0, CKVdimension::GetLength());
+        const std::size_t count = xuntest::Registries().units.Count();
+        xunClearLastError();
+        EXPECT_EQ(xunUnitNew("x", "x", "x", "top"), 0) << key;
+        const char* message = nullptr;
+        EXPECT_EQ(xunGetLastError(&message), XUN_ERR_LIMIT) << key;
+        EXPECT_STREQ(message, "xunUnitNew: no key is left for a new unit (the largest key in use "
+                              "is the largest int)");
+        EXPECT_EQ(xuntest::Registries().units.Count(), count);
+        EXPECT_EQ(xuntest::UnitByIdent("x"), nullptr);
+        EXPECT_NE(xuntest::Registries().units.Remove(xuntest::UnitByKey(key)), nullptr);
+        EXPECT_EQ(xuntest::BrokenInvariant(), "");
+    }
+}
+
+// The last key left is INT_MAX itself, and that unit converts by its tag.
+TEST(UnitRegistry, UnitNewTakesTheLargestIntAndItConverts) {
+    RegisterUnit("m", INT_MAX - 1, 1.0, 0.0, CKVdimension::GetLength());
+    ASSERT_EQ(xunUnitNew("km", "kilometre", "km", "m*1000"), 1);
+    EXPECT_EQ(Tag("km"), INT_MAX);
+    double x = 0;
+    ASSERT_EQ(xunConvertUnit(INT_MAX, INT_MAX - 1, &x, 2.5), 1);
+    EXPECT_EQ(x, 2500.0);
+    EXPECT_EQ(xunUnitNew("mm", "millimetre", "mm", "m/1000"), 0);
+    EXPECT_EQ(xunGetLastError(nullptr), XUN_ERR_LIMIT);
 }
 
 TEST(UnitRegistry, UnitNewSetsNamesAndKeepsTheExpression) {
