@@ -29,9 +29,19 @@
  *   valid while the object lives (until a load or a language file replaces
  *   that text). Only the "...GetAll" functions return a newly allocated
  *   text, which the caller releases with free().
- * - Threads: the library takes no locks. Loading and every function that
- *   adds or changes something must run alone; docs/conventions.md lists
- *   what may run concurrently.
+ * - Threads: the library takes no locks. These must run alone, with no
+ *   other call of the library at the same time: the loads and unloads
+ *   (xunLoadItemTypeTables, xunSetupLoad, xunSetupLoadLinux, xunSetupUnload,
+ *   xunUnloadItemTypeTables, LoadUnitBaseGroupFile), the checks
+ *   (xunSetupCheck, xunBaseGroupCheck: they switch the process's numeric
+ *   locale), the writers (xunSetupWrite, xunWriteItemTypeIncludes) and every
+ *   call that adds or changes something (xunUnitNew, xunItemTypeNew,
+ *   xunFilterNew, xunSetItemUserUnit, xunAddItemUnit, xunAddItemFilter,
+ *   xunSetProductFilter). Every other function only reads - lookups, name
+ *   searches, walks, sequences, counts, lists, parameters, derived units,
+ *   conversions, xunSetupGetPath and the last-error record - and may run
+ *   from any number of threads at once: a walk's and a sequence's memory,
+ *   like the last-error record, is the calling thread's own.
  * - Some behaviours look odd and are kept on purpose; the descriptions in
  *   docs/ say which.
  */
