@@ -26,6 +26,7 @@
 
 #include "SmartPtr"
 #include "common/Assert.h"
+#include "setup/IncludeNames.h"
 #include "setup/Installation.h"
 #include "units/KVexpr.h"
 #include "xml/CString.h"
@@ -162,6 +163,15 @@ class SetupLoader {
     template <class Registry, class KeyText>
     void ReportSharedInterfaceKeys(const Registry& registry, const char* kind, const char* key,
                                    KeyText keyText);
+    // The names that the include files would get.
+    struct ConstantName {
+        const char* kind;
+        std::string ident;
+        const void* object;
+    };
+    template <class Registry, class Text>
+    void ReportIncludeNames(const Registry& registry, const char* kind, const char* textName,
+                            Text text, std::unordered_map<std::string, ConstantName>& names);
 
     CKVregistries& m_registries;
     CKVunitRegistry& m_units;
@@ -702,6 +712,58 @@ void SetupLoader::ReportSharedInterfaceKeys(const Registry& registry, const char
     }
 }
 
+// A text in a report line: line breaks shown as \n.
+std::string OneLine(const std::string& text) {
+    std::string line;
+    for (char c : text)
+        line += c == '\n' ? std::string("\\n") : c == '\r' ? std::string("\\r") : std::string(1, c);
+    return line;
+}
+
+// xunWriteItemTypeIncludes writes every ident as the name of a constant in
+// C, Pascal, Fortran and C#, and every description into the comment beside
+// it, as they are. Every object of this load whose ident is no valid name in
+// one of them, whose text breaks the comment, or whose ident names the same
+// constant as an object before it (item types, units and filters share the
+// names of the C, Pascal and Fortran files; the last two ignore case) is
+// reported.
+template <class Registry, class Text>
+void SetupLoader::ReportIncludeNames(const Registry& registry, const char* kind,
+                                     const char* textName, Text text,
+                                     std::unordered_map<std::string, ConstantName>& names) {
+    for (const auto* object : registry) {
+        const std::string& ident = XunIdentOf(*object);
+        const auto found = names.emplace(xunFoldedName_(ident), ConstantName{kind, ident, object});
+        const auto line = m_lines.find(object);
+        if (line == m_lines.end())
+            continue;
+        const std::string what = std::string(kind) + " " + Quote(OneLine(ident)) + ": ";
+        const std::string nameProblem = xunConstantNameProblem_(ident);
+        if (!nameProblem.empty())
+            m_report.Warning(m_file, line->second,
+                             what + "the ident is " + nameProblem +
+                                 "; the include files would carry it as it is");
+        const std::string textProblem = xunCommentTextProblem_(text(*object));
+        if (!textProblem.empty())
+            m_report.Warning(m_file, line->second,
+                             what + "the " + textName + " " + Quote(OneLine(text(*object))) + " " +
+                                 textProblem);
+        if (found.second || !nameProblem.empty())
+            continue;
+        const ConstantName& other = found.first->second;
+        const auto otherLine = m_lines.find(other.object);
+        m_report.Warning(
+            m_file, line->second,
+            what + "the ident names the same constant as " + other.kind + " " +
+                Quote(OneLine(other.ident)) +
+                (otherLine != m_lines.end() ? " (line " + std::to_string(otherLine->second) + ")"
+                                            : std::string(" (registered before this load)")) +
+                " in the " +
+                (other.ident == ident ? "C, Pascal and Fortran include files"
+                                      : "Pascal and Fortran include files, which ignore case"));
+    }
+}
+
 // Whether the XML parser library may be used: its first initialisation in
 // the process either completed, or ran out of memory part way. In the
 // second case the library counts itself initialised and will never finish,
@@ -794,6 +856,12 @@ int SetupLoader::Run() {
         ReportSharedInterfaceKeys(m_units, "unit", "tag", number);
         ReportSharedInterfaceKeys(m_registries.itemTypes, "item type", "key", number);
         ReportSharedInterfaceKeys(m_registries.filters, "filter", "bit", FilterBitText);
+        std::unordered_map<std::string, ConstantName> names;
+        auto key = [](const auto& object) -> const std::string& { return object.m_strKey; };
+        auto desc = [](const CKVunit& unit) -> const std::string& { return unit.m_strDesc; };
+        ReportIncludeNames(m_registries.itemTypes, "item type", "description", key, names);
+        ReportIncludeNames(m_units, "unit", "description", desc, names);
+        ReportIncludeNames(m_registries.filters, "filter", "description", key, names);
     }
     return 1;
 }
