@@ -7,16 +7,21 @@
 // is why this program links the static core instead of libxun.so); building
 // what a case needs is not timed unless it is the case itself.
 //
-// | case | what is timed |
-// |---|---|
-// | `scale/unit-new/<n>` | n calls of xunUnitNew (run-time units over one registered unit) |
-// | `scale/item-seq/<n>` | xunGetItemTypeSeq for seq 1..n over n item types |
-// | `scale/filtered-seq/<n>` | xunGetFilteredItemTypeCount, then xunGetFilteredItemTypeSeq for
-// every seq, over n item types of which every second is in the filter | | `scale/allow-units/<n>` |
-// n calls of xunAddItemUnit: one item type allowing n units | | `scale/item-unit-name/<n>` |
-// xunGetItemUnitTag of the last of n allowed units, and of a name no unit has | |
-// `scale/load-distinct-dims/<n>` | xunSetupLoad of a setup file of n units, each of a dimension of
-// its own | | `scale/load-units/<n>` | the same with every unit a length, for comparison |
+// The cases:
+// - scale/unit-new/<n>: n calls of xunUnitNew (run-time units over one
+//   registered unit);
+// - scale/item-seq/<n>: xunGetItemTypeSeq for seq 1..n over n item types;
+// - scale/filtered-seq/<n>: xunGetFilteredItemTypeCount, then
+//   xunGetFilteredItemTypeSeq for every seq, over n item types of which
+//   every second is in the filter;
+// - scale/allow-units/<n>: n calls of xunAddItemUnit, one item type
+//   allowing n units;
+// - scale/item-unit-name/<n>: xunGetItemUnitTag of the last of n allowed
+//   units, and of a name no unit has;
+// - scale/load-distinct-dims/<n>: xunSetupLoad of a setup file of n units,
+//   each of a dimension of its own;
+// - scale/load-units/<n>: the same with every unit a length, for
+//   comparison.
 #include <benchmark/benchmark.h>
 
 #include <cstdio>
