@@ -62,11 +62,16 @@ int xunSetupCheck(const char* setupPath, const char* langDir, xunCheckReport rep
         std::unique_ptr<CKVregistries> scratch = Registries().Copy();
         CallbackObserver observer(report, user);
         CXunLoadReport check(&observer, true);
-        std::string fileName;
-        if (!xunLoadSetupFile_(*scratch, setupPath, check, fileName)) {
-            xunFail_(XUN_ERR_FILE,
-                     "xunSetupCheck: the setup file '%s' cannot be read or is not well-formed XML",
-                     fileName.c_str());
+        std::string fileName, refusal;
+        if (!xunLoadSetupFile_(*scratch, setupPath, check, fileName, &refusal)) {
+            if (!refusal.empty())
+                xunFail_(XUN_ERR_LIMIT, "xunSetupCheck: the setup file '%s' is refused: %s",
+                         fileName.c_str(), refusal.c_str());
+            else
+                xunFail_(XUN_ERR_FILE,
+                         "xunSetupCheck: the setup file '%s' cannot be read or is not "
+                         "well-formed XML",
+                         fileName.c_str());
             return -1;
         }
         if (langDir != nullptr)

@@ -91,13 +91,7 @@ int xunGetFilterKeyFromIdent(const char* ident, int* key) {
 }
 
 int xunGetFilteredItemTypeCount(int filter) {
-    int count = 0;
-    for (const CKVitemType* It : ItemTypes()) {
-        XUN_ASSERT(It != nullptr, xun::contract::kFilteredCountNull);
-        if (xunIsCountedInFilter_(*It, filter))
-            ++count;
-    }
-    return count;
+    return static_cast<int>(xunFilteredItemTypeCount_(ItemTypes(), filter));
 }
 
 int xunGetFilteredItemTypeSeq(int filter, int seq, int* key, const char** keyText) {
@@ -108,16 +102,10 @@ int xunGetFilteredItemTypeSeq(int filter, int seq, int* key, const char** keyTex
             return NullArgument("xunGetFilteredItemTypeSeq", "keyText");
         // The position test follows every item type, counted or not: seq 0
         // names the first item type when that one is not counted itself.
-        int counter = 0;
-        for (const CKVitemType* It : ItemTypes()) {
-            XUN_ASSERT(It != nullptr, xun::contract::kFilteredSeqNull);
-            if (xunIsCountedInFilter_(*It, filter))
-                ++counter;
-            if (counter == seq) {
-                *key = static_cast<int>(It->m_nNumId);
-                *keyText = It->m_strKey.c_str();
-                return 1;
-            }
+        if (const CKVitemType* It = xunFilteredItemTypeAt_(ItemTypes(), filter, seq)) {
+            *key = static_cast<int>(It->m_nNumId);
+            *keyText = It->m_strKey.c_str();
+            return 1;
         }
         return xunFail_(XUN_ERR_RANGE, "xunGetFilteredItemTypeSeq: filter 0x%X has no item type %d",
                         static_cast<unsigned>(filter), seq);

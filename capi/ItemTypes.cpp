@@ -8,8 +8,7 @@ using namespace xun::capi;
 namespace {
 
 // Finds the item type of key for function; records the failure otherwise.
-template <class Body>
-int WithItemType(const char* function, int key, Body body) {
+template <class Body> int WithItemType(const char* function, int key, Body body) {
     return Guard(function, 0, [&] {
         CKVitemType* item = ItemTypes().FindByKey(key);
         if (item == nullptr)
@@ -38,11 +37,11 @@ int UserUnitRefused(const char* function, int result, int key, int unitTag) {
         return xunFail_(result, "%s: the unit of key 0 cannot be a user unit", function);
     default: {
         const CKVitemType* item = ItemTypes().FindByKey(key);
-        return xunFail_(result, "%s: unit %s cannot be the user unit of item type %d (dimension %s)",
-                        function, UnitText(*Units().FindByKey(unitTag)).c_str(), key,
-                        item->m_pDimension != nullptr
-                            ? xunDimensionText_(*item->m_pDimension).c_str()
-                            : "none");
+        return xunFail_(
+            result, "%s: unit %s cannot be the user unit of item type %d (dimension %s)", function,
+            UnitText(*Units().FindByKey(unitTag)).c_str(), key,
+            item->m_pDimension != nullptr ? xunDimensionText_(*item->m_pDimension).c_str()
+                                          : "none");
     }
     }
 }
@@ -176,9 +175,11 @@ int xunItemUnitEqv(int key, int unitTag) {
         if (item->m_nNumId == xun::contract::kAnyUnitItemType)
             return 1;
         if (unit->m_lKey == 0)
-            return xunFail_(XUN_ERR_NO_REAL_UNIT, "xunItemUnitEqv: a unit of key 0 is no real unit");
+            return xunFail_(XUN_ERR_NO_REAL_UNIT,
+                            "xunItemUnitEqv: a unit of key 0 is no real unit");
         if (item->m_pDimension == nullptr)
-            return xunFail_(XUN_ERR_DIMENSION, "xunItemUnitEqv: item type %d has no dimension", key);
+            return xunFail_(XUN_ERR_DIMENSION, "xunItemUnitEqv: item type %d has no dimension",
+                            key);
         return unit->IsEqv(*item->m_pDimension) ? 1 : 0;
     });
 }
@@ -199,7 +200,6 @@ int xunAddItemUnit(int key, int unitTag) {
         if (unit == nullptr)
             return UnknownUnit("xunAddItemUnit", unitTag);
         // A unit of another dimension ends the process (assertion "bOk").
-        item.m_lstUnits.reserve(item.m_lstUnits.size() + 1);
         if (!item.AllowUnit(*unit, false))
             return xunFail_(XUN_ERR_TAKEN,
                             "xunAddItemUnit: item type %d already allows a unit of the key or "

@@ -12,12 +12,16 @@ extern "C" {
 int xunSetupLoad(const char* path) {
     return Guard("xunSetupLoad", 0, [&] {
         CXunLoadReport report;
-        std::string fileName;
-        if (!xunLoadSetupFile_(Registries(), path, report, fileName))
+        std::string fileName, refusal;
+        if (!xunLoadSetupFile_(Registries(), path, report, fileName, &refusal)) {
+            if (!refusal.empty())
+                return xunFail_(XUN_ERR_LIMIT, "xunSetupLoad: the setup file '%s' is refused: %s",
+                                fileName.c_str(), refusal.c_str());
             return xunFail_(XUN_ERR_FILE,
                             "xunSetupLoad: the setup file '%s' cannot be read or is not "
                             "well-formed XML",
                             fileName.c_str());
+        }
         return 1;
     });
 }

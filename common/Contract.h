@@ -25,8 +25,7 @@ namespace contract {
 // Units (source KVunit): exactly one of the two dimension pointers is set,
 // and the factor is never 0.
 inline constexpr XunAssertion kUnitOneDimension{"(m_pDimParent == 0) != (m_pDimTemp == 0)",
-                                                "KVunit", 284,
-                                                "void CKVunit::AssertValid() const"};
+                                                "KVunit", 284, "void CKVunit::AssertValid() const"};
 inline constexpr XunAssertion kUnitFactor{"m_dFactor", "KVunit", 285,
                                           "void CKVunit::AssertValid() const"};
 
@@ -66,15 +65,12 @@ inline constexpr XunAssertion kFilterItemUnknown{"ok", "ItemTypeTables", 3707,
                                                  "int xunSetupLoad(const char *)"};
 
 // Language files (source KVLangFile).
-inline constexpr XunAssertion kTypeKeyDuplicate{"m_TypeIterator == m_xunTypeMap.end()",
-                                                "KVLangFile", 104,
-                                                "bool CKVLangFile::SetTypeMap()"};
-inline constexpr XunAssertion kTypeKeyMissing{"m_TypeIterator != m_xunTypeMap.end()",
-                                              "KVLangFile", 112,
-                                              "string CKVLangFile::LoadTypeString(int)"};
-inline constexpr XunAssertion kUnitKeyMissing{"m_UnitIterator != m_xunUnitMap.end()",
-                                              "KVLangFile", 163,
-                                              "string CKVLangFile::LoadUnitString(int, int)"};
+inline constexpr XunAssertion kTypeKeyDuplicate{
+    "m_TypeIterator == m_xunTypeMap.end()", "KVLangFile", 104, "bool CKVLangFile::SetTypeMap()"};
+inline constexpr XunAssertion kTypeKeyMissing{"m_TypeIterator != m_xunTypeMap.end()", "KVLangFile",
+                                              112, "string CKVLangFile::LoadTypeString(int)"};
+inline constexpr XunAssertion kUnitKeyMissing{"m_UnitIterator != m_xunUnitMap.end()", "KVLangFile",
+                                              163, "string CKVLangFile::LoadUnitString(int, int)"};
 
 // ---- Reserved keys and bits -------------------------------------------------
 
@@ -106,8 +102,20 @@ inline constexpr int kExprMaxNumberLength = 23;
 // characters; texts are cut to kLangTextBufferSize - 1 characters.
 inline constexpr int kLangLineBufferSize = 250;
 inline constexpr int kLangTextBufferSize = 104;
-// XML entity expansions per setup file.
+// The bounds of an XML document (a setup file): entity expansions; the
+// characters of its text after entity expansion (attribute values, default
+// ones included, and character data), at most the larger of a floor and a
+// multiple of the bytes read (the file and the external files it names);
+// the memory the XML parser may take for it, likewise; the nesting of
+// elements; the attributes of one element. A document beyond any of them
+// is refused, at the point where it passes the bound.
 inline constexpr unsigned kXmlEntityExpansionLimit = 50000;
+inline constexpr std::size_t kXmlTextFloor = std::size_t(1) << 20;
+inline constexpr std::size_t kXmlTextPerByte = 8;
+inline constexpr std::size_t kXmlMemoryFloor = std::size_t(64) << 20;
+inline constexpr std::size_t kXmlMemoryPerByte = 64;
+inline constexpr unsigned kXmlMaxDepth = 256;
+inline constexpr unsigned kXmlMaxAttributes = 256;
 // Messages kept by xunGetLastError (longer ones are cut).
 inline constexpr std::size_t kLastErrorMessageSize = 1024;
 // Unit strings (xunParseUnit, xunParseItemUnit): a longer text, deeper

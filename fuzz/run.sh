@@ -57,9 +57,16 @@ for target in "${targets[@]}"; do
   cp "$root/fuzz/corpus/$target/." "$corpus/" -R
   log="$work/$target.log"
   status=0
+  # The setup target takes inputs of up to 2 MB, large enough to reach the
+  # bounds of an XML document (1 MiB of expanded text, 256 levels, 256
+  # attributes), and the words of the setup format.
+  options=()
+  if [ "$target" = setup ]; then
+    options=(-max_len=2097152 -dict="$root/fuzz/setup.dict")
+  fi
   # -close_fd_mask=3: the library's own messages (the loader reports every
   # bad row) would flood the output; libFuzzer's reports still get through.
-  "$build/fuzz_$target" "$corpus" \
+  "$build/fuzz_$target" "$corpus" "${options[@]}" \
     -max_total_time="$seconds" -print_final_stats=1 -close_fd_mask=3 \
     -timeout=25 -rss_limit_mb=2560 -artifact_prefix="$work/$target-" \
     </dev/null >"$log" 2>&1 || status=$?

@@ -29,9 +29,19 @@
  *   valid while the object lives (until a load or a language file replaces
  *   that text). Only the "...GetAll" functions return a newly allocated
  *   text, which the caller releases with free().
- * - Threads: the library takes no locks. Loading and every function that
- *   adds or changes something must run alone; docs/conventions.md lists
- *   what may run concurrently.
+ * - Threads: the library takes no locks. These must run alone, with no
+ *   other call of the library at the same time: the loads and unloads
+ *   (xunLoadItemTypeTables, xunSetupLoad, xunSetupLoadLinux, xunSetupUnload,
+ *   xunUnloadItemTypeTables, LoadUnitBaseGroupFile), the checks
+ *   (xunSetupCheck, xunBaseGroupCheck: they switch the process's numeric
+ *   locale), the writers (xunSetupWrite, xunWriteItemTypeIncludes) and every
+ *   call that adds or changes something (xunUnitNew, xunItemTypeNew,
+ *   xunFilterNew, xunSetItemUserUnit, xunAddItemUnit, xunAddItemFilter,
+ *   xunSetProductFilter). Every other function only reads - lookups, name
+ *   searches, walks, sequences, counts, lists, parameters, derived units,
+ *   conversions, xunSetupGetPath and the last-error record - and may run
+ *   from any number of threads at once: a walk's and a sequence's memory,
+ *   like the last-error record, is the calling thread's own.
  * - Some behaviours look odd and are kept on purpose; the descriptions in
  *   docs/ say which.
  */
@@ -64,7 +74,7 @@ extern "C" {
 #define XUN_ERR_EXPRESSION 11        /* the expression does not give a unit */
 #define XUN_ERR_FILE 12              /* a file cannot be read or parsed */
 #define XUN_ERR_NO_MEMORY 13         /* memory ran out */
-#define XUN_ERR_LIMIT 14             /* a limit of the library (key space, path length) */
+#define XUN_ERR_LIMIT 14             /* a limit of the library (keys, path length, XML bounds) */
 #define XUN_ERR_INTERNAL 15          /* an unexpected internal error */
 
 /* The code of the last failed call on the calling thread (XUN_OK when none
@@ -105,7 +115,9 @@ XUN_API int xunGetItemFirstEqvUnit(int itemKey, int* tag, const char** key);
 XUN_API int xunUnitsEqv(int tag1, int tag2);
 XUN_API int xunGetBaseUnit(int tag, int* baseTag, const char** baseKey);
 /* Walks: pass prevTag 0 to start, then the tag last returned; 0 at the end
-   (XUN_ERR_END). */
+   (XUN_ERR_END). A walk visits every unit once and ends, also where keys do
+   not fit an int: the calling thread remembers the unit it was handed last
+   (one memory per function). */
 XUN_API int xunGetNextEqvUnit(int tag, int prevTag, int* nextTag, const char** nextKey);
 XUN_API int xunGetNextUnit(int prevTag, int* nextTag, const char** nextKey);
 /* powers and factors each receive 7 doubles. */

@@ -4,6 +4,7 @@
 #include <cstring>
 
 #include "common/Assert.h"
+#include "common/RegularFile.h"
 
 using namespace xun::contract;
 
@@ -132,9 +133,11 @@ void CKVLangFile::CheckText(const char* line, long lineNumber, int scanned, int 
 
 namespace {
 
-// Opens path; false when it cannot be opened (a null path counts as such).
+// Opens path; null when it cannot be opened or is no regular file (a null
+// path counts as such): a FIFO or a device is never read.
 FILE* Open_(const char* path) {
-    return path != nullptr ? std::fopen(path, "r") : nullptr;
+    std::string reason;
+    return xunOpenRegularFile_(path, "r", reason);
 }
 
 } // namespace

@@ -9,6 +9,8 @@
 #include <utility>
 #include <vector>
 
+#include "common/RegularFile.h"
+
 class CLrxParam {
   public:
     ELrxParamType m_eType = LRX_PARAM_NONE;
@@ -263,9 +265,12 @@ const Element* FindByNameNum_(const std::vector<Element>& elements, const CLrxNa
 
 // Reads and parses the whole file. Returns null and sets the error on failure.
 CLrxFile* Load_(const std::string& name) {
-    FILE* stream = std::fopen(name.c_str(), "rb");
+    // A FIFO, a device or a directory is not read at all.
+    std::string reason;
+    bool notRegular = false;
+    FILE* stream = xunOpenRegularFile_(name.c_str(), "rb", reason, &notRegular);
     if (stream == nullptr) {
-        SetError_(name + ": cannot open the file");
+        SetError_(name + (notRegular ? ": cannot read the file" : ": cannot open the file"));
         return nullptr;
     }
     std::string content;

@@ -26,3 +26,17 @@ const CKVunit* xunItemUnitAt_(const CKVregistries& registries, const CKVitemType
 // items that are members, for a negative filter (the flyby filter) every
 // member.
 bool xunIsCountedInFilter_(const CKVitemType& item, long filter);
+
+// The number of item types counted in a filter.
+long xunFilteredItemTypeCount_(const CKVitemTypeRegistry& items, long filter);
+
+// The seq-th item type counted in a filter, in registration order; null when
+// there is none. The position test follows every item type, counted or not,
+// as designed: seq 0 names the first item type when that one is not counted
+// itself.
+//
+// Both remember, per thread, where the calling thread's last question left
+// off (and the count), for as long as no item type is added and no filter
+// membership changes (xunItemTypeVersion_): walking seq = 1, 2, ... n costs
+// O(n) in all instead of O(n) per step. Nothing is shared between threads.
+const CKVitemType* xunFilteredItemTypeAt_(const CKVitemTypeRegistry& items, long filter, long seq);

@@ -43,7 +43,8 @@ class CKVitemTypeRegistry {
 
     // The key for an item type created at run time: one above the largest
     // key in use, at least 110000. False when the largest key leaves no room
-    // in the interface's int.
+    // in the interface's int. Constant time: the registry keeps its largest
+    // key.
     bool NextRunTimeKey(long& key) const;
 
     // Throws std::logic_error naming the first broken invariant.
@@ -52,4 +53,5 @@ class CKVitemTypeRegistry {
   private:
     CKVtable<CKVitemType> m_table;
     std::vector<std::unique_ptr<CKVdimension>> m_dimensions;
+    long m_largestKey = 0; // meaningless while the registry is empty
 };

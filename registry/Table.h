@@ -18,6 +18,15 @@
 
 #include "registry/HashIndex.h"
 
+// Makes room in a vector for one more element without changing its size:
+// the capacity doubles when it is used up, so that n additions cost O(n) in
+// all (reserving exactly one more slot each time would copy the vector each
+// time). Throws std::bad_alloc, changing nothing, when memory runs out.
+template <class V> void xunReserveOneMore_(V& vector) {
+    if (vector.size() == vector.capacity())
+        vector.reserve(vector.empty() ? 16 : 2 * vector.size());
+}
+
 // How a table reads the key and the ident of its objects:
 //   long XunKeyOf(const T&);  const std::string& XunIdentOf(const T&);
 // declared beside each object type.
@@ -46,7 +55,7 @@ template <class T> class CKVtable {
         // Make room first, so that nothing after the first change can fail:
         // each index is grown and the ident copied before the object goes in.
         std::string identCopy(ident);
-        m_list.reserve(m_list.size() + 1);
+        xunReserveOneMore_(m_list);
         m_byKey.Reserve(m_byKey.Size() + 1);
         m_byIdent.Reserve(m_byIdent.Size() + 1);
         m_position.Reserve(m_position.Size() + 1);

@@ -8,8 +8,29 @@
 #include "common/Contract.h"
 #include "xun.h"
 
+namespace {
+
+// The name rules of xunUnitNameMatches_ for one name, its length taken once.
+class NameMatcher {
+  public:
+    explicit NameMatcher(const char* name)
+        : m_name(name), m_length(static_cast<int>(std::strlen(name))) {}
+    bool operator()(const std::string& desc) const {
+        return xunUnitNameMatches_(desc, m_name, m_length);
+    }
+
+  private:
+    const char* m_name;
+    int m_length;
+};
+
+} // namespace
+
 bool xunUnitNameMatches_(const std::string& desc, const char* name) {
-    const int nameLength = static_cast<int>(std::strlen(name));
+    return xunUnitNameMatches_(desc, name, static_cast<int>(std::strlen(name)));
+}
+
+bool xunUnitNameMatches_(const std::string& desc, const char* name, int nameLength) {
     const int descLength = static_cast<int>(desc.size());
     if (nameLength == descLength)
         return std::memcmp(desc.data(), name, static_cast<size_t>(nameLength)) == 0;
@@ -23,8 +44,10 @@ bool xunUnitNameMatches_(const std::string& desc, const char* name) {
 }
 
 const CKVunit* xunFindUnitByName_(const CKVunitRegistry& units, const char* name) {
+    const NameMatcher matches(name);
+    const std::string alias(name);
     for (const CKVunit* unit : units)
-        if (xunUnitNameMatches_(unit->m_strDesc, name) || unit->IsAlias(name))
+        if (matches(unit->m_strDesc) || unit->IsAlias(alias))
             return unit;
     return nullptr;
 }
@@ -32,20 +55,22 @@ const CKVunit* xunFindUnitByName_(const CKVunitRegistry& units, const char* name
 const CKVunit* xunFindItemUnitByName_(const CKVregistries& registries, const CKVitemType& item,
                                       const char* name) {
     // Each candidate is looked up again by its key and compared by the
-    // description of the unit registered under that key.
-    auto matches = [&](const CKVunit* candidate) -> const CKVunit* {
+    // description of the unit registered under that key. The length of the
+    // name is taken once.
+    const NameMatcher matches(name);
+    auto match = [&](const CKVunit* candidate) -> const CKVunit* {
         const CKVunit* unit = registries.units.FindByKey(candidate->m_lKey);
-        return unit != nullptr && xunUnitNameMatches_(unit->m_strDesc, name) ? unit : nullptr;
+        return unit != nullptr && matches(unit->m_strDesc) ? unit : nullptr;
     };
     if (item.m_nNumId == xun::contract::kAnyUnitItemType) {
         for (const CKVunit* candidate : registries.units)
-            if (const CKVunit* found = matches(candidate))
+            if (const CKVunit* found = match(candidate))
                 return found;
         return nullptr;
     }
     const long count = static_cast<long>(item.m_lstUnits.size());
     for (long i = 1; i <= count; ++i)
-        if (const CKVunit* found = matches(item.GetUnit(i)))
+        if (const CKVunit* found = match(item.GetUnit(i)))
             return found;
     return nullptr;
 }
@@ -56,9 +81,37 @@ const CKVunit* xunBaseUnitOf_(const CKVunitRegistry& units, const CKVdimension& 
 
 namespace {
 
+// The unit that the calling thread's last step of a walk handed out, and the
+// registry and generation it was found in.
+struct WalkMemory {
+    const CKVunitRegistry* registry = nullptr;
+    unsigned long long generation = 0;
+    const CKVunit* unit = nullptr;
+
+    // The remembered unit when prevTag is the int tag it was handed out as
+    // and the registry has not changed since; null otherwise.
+    const CKVunit* Previous(const CKVunitRegistry& units, long prevTag) const {
+        if (unit == nullptr || registry != &units || generation != units.Generation())
+            return nullptr;
+        return static_cast<long>(static_cast<int>(unit->m_lKey)) == prevTag ? unit : nullptr;
+    }
+    // Remembers what a step hands out, or (null) forgets.
+    void Step(const CKVunitRegistry& units, const CKVunit* handedOut) {
+        registry = &units;
+        generation = units.Generation();
+        unit = handedOut;
+    }
+};
+
+thread_local WalkMemory NextUnitWalk_;
+thread_local WalkMemory NextEqvUnitWalk_;
+
 // Where a walk goes on: index 0 for prevTag 0, else the index after the
-// unit of prevTag; npos when prevTag names no unit.
-size_t WalkStart(const CKVunitRegistry& units, long prevTag) {
+// unit of prevTag (the remembered unit when prevTag is its tag); npos when
+// prevTag names no unit.
+size_t WalkStart(const CKVunitRegistry& units, long prevTag, const WalkMemory& memory) {
+    if (const CKVunit* previous = memory.Previous(units, prevTag))
+        return units.IndexOf(previous) + 1;
     if (prevTag == 0)
         return 0;
     const CKVunit* previous = units.FindByKey(prevTag);
@@ -70,18 +123,21 @@ size_t WalkStart(const CKVunitRegistry& units, long prevTag) {
 } // namespace
 
 int xunNextUnit_(const CKVunitRegistry& units, long prevTag, const CKVunit*& next) {
-    const size_t index = WalkStart(units, prevTag);
-    if (index == CKVunitRegistry::npos)
-        return XUN_ERR_UNKNOWN_UNIT;
-    if (index >= units.Count() || units.At(index)->m_lKey == 0)
-        return XUN_ERR_END;
+    const size_t index = WalkStart(units, prevTag, NextUnitWalk_);
+    if (index == CKVunitRegistry::npos || index >= units.Count() || units.At(index)->m_lKey == 0) {
+        NextUnitWalk_.Step(units, nullptr);
+        return index == CKVunitRegistry::npos ? XUN_ERR_UNKNOWN_UNIT : XUN_ERR_END;
+    }
     next = units.At(index);
+    NextUnitWalk_.Step(units, next);
     return XUN_OK;
 }
 
-int xunNextEqvUnit_(const CKVunitRegistry& units, const CKVunit& reference, long prevTag,
-                    const CKVunit*& next) {
-    size_t index = WalkStart(units, prevTag);
+namespace {
+
+int NextEqvUnit(const CKVunitRegistry& units, const CKVunit& reference, long prevTag,
+                const CKVunit*& next) {
+    size_t index = WalkStart(units, prevTag, NextEqvUnitWalk_);
     if (index == CKVunitRegistry::npos)
         return XUN_ERR_UNKNOWN_UNIT;
     // The key entries hold the units' dimension classes: units of equal
@@ -105,6 +161,15 @@ int xunNextEqvUnit_(const CKVunitRegistry& units, const CKVunit& reference, long
         }
     }
     return XUN_ERR_END;
+}
+
+} // namespace
+
+int xunNextEqvUnit_(const CKVunitRegistry& units, const CKVunit& reference, long prevTag,
+                    const CKVunit*& next) {
+    const int result = NextEqvUnit(units, reference, prevTag, next);
+    NextEqvUnitWalk_.Step(units, result == XUN_OK ? next : nullptr);
+    return result;
 }
 
 int xunCreateUnit_(CKVunitRegistry& units, const std::string& ident, const std::string& desc,

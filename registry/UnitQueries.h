@@ -12,6 +12,8 @@
 // is its singular (description = name + "s") or its plural (name =
 // description + "s"). Case-sensitive; lengths compared as 32-bit values.
 bool xunUnitNameMatches_(const std::string& desc, const char* name);
+// The same with the name's length (strlen) given.
+bool xunUnitNameMatches_(const std::string& desc, const char* name, int nameLength);
 
 // The first unit in registration order whose description matches name by
 // the rules above or which has name as an alias; null when none does.
@@ -30,10 +32,20 @@ const CKVunit* xunBaseUnitOf_(const CKVunitRegistry& units, const CKVdimension& 
 // The unit after prevTag in registration order (the first for prevTag 0).
 // XUN_ERR_UNKNOWN_UNIT when prevTag names no unit, XUN_ERR_END at the end
 // or at a unit with key 0.
+//
+// prevTag is what the interface handed out: a unit's key as an int, which
+// for a key beyond the int range is its low 32 bits - the tag of another
+// unit, or of none, or 0. So each walk remembers, per thread, the unit its
+// last step handed out; when prevTag is that unit's int tag, the walk goes
+// on after that very unit. A walk thus visits every unit once, whatever
+// the keys, and ends. The memory is the calling thread's own (nothing is
+// shared), holds while the registry is unchanged (Generation), and is
+// forgotten when the walk ends or fails.
 int xunNextUnit_(const CKVunitRegistry& units, long prevTag, const CKVunit*& next);
 
 // The next unit after prevTag (from the start for 0) that is equivalent to
-// the reference unit and has a non-zero key.
+// the reference unit and has a non-zero key; prevTag as above, with a
+// memory of its own.
 int xunNextEqvUnit_(const CKVunitRegistry& units, const CKVunit& reference, long prevTag,
                     const CKVunit*& next);
 

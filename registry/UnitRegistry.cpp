@@ -1,5 +1,6 @@
 #include "registry/UnitRegistry.h"
 
+#include <atomic>
 #include <climits>
 #include <cmath>
 #include <cstring>
@@ -23,7 +24,19 @@ std::size_t CKVunitRegistry::DimensionKeyHash::operator()(const DimensionKey& ke
     return static_cast<std::size_t>(h ^ (h >> 29));
 }
 
-CKVunitRegistry::CKVunitRegistry() : m_classes(new DimensionClasses) {}
+namespace {
+// The source of registry generations: every registry of the process draws
+// its numbers from here, so that no two ever share one.
+std::atomic<unsigned long long> Generations_{0};
+} // namespace
+
+CKVunitRegistry::CKVunitRegistry() : m_classes(new DimensionClasses) {
+    Changed();
+}
+
+void CKVunitRegistry::Changed() {
+    m_generation = ++Generations_;
+}
 
 CKVunitRegistry::~CKVunitRegistry() = default;
 
@@ -72,7 +85,9 @@ bool CKVunitRegistry::Add(std::unique_ptr<CKVunit>& unit, bool atFront) {
         return false;
     }
     m_entries.Set(key, entry);
-    ++m_generation;
+    if (m_table.Count() == 1 || key > m_largestKey)
+        m_largestKey = key;
+    Changed();
     return true;
 }
 
@@ -81,7 +96,15 @@ std::unique_ptr<CKVunit> CKVunitRegistry::Remove(const CKVunit* unit) {
     if (!removed)
         return nullptr;
     m_entries.Erase(removed->m_lKey);
-    ++m_generation;
+    // Only the base units of a load are ever removed, so finding the largest
+    // key again (which takes a pass over the units) is rare.
+    if (removed->m_lKey == m_largestKey && m_table.Count() > 0) {
+        m_largestKey = m_table.At(0)->m_lKey;
+        for (const CKVunit* unit : m_table)
+            if (unit->m_lKey > m_largestKey)
+                m_largestKey = unit->m_lKey;
+    }
+    Changed();
     return std::unique_ptr<CKVunit>(const_cast<CKVunit*>(removed.release()));
 }
 
@@ -93,20 +116,18 @@ void CKVunitRegistry::SetTexts(const CKVunit& unit, const std::string& desc,
     std::string newDesc(desc), newAbbr(abbr);
     owned.m_strDesc.swap(newDesc);
     owned.m_strAbbr.swap(newAbbr);
-    ++m_generation;
+    Changed();
 }
 
 bool CKVunitRegistry::NextRunTimeKey(long& key) const {
     key = xun::contract::kFirstRunTimeUnitKey;
-    for (const CKVunit* unit : m_table) {
-        if (unit->m_lKey < key)
-            continue;
-        // A tag crosses the interface as an int: a key past INT_MAX would be
-        // another unit's tag there.
-        if (unit->m_lKey >= INT_MAX)
-            return false;
-        key = unit->m_lKey + 1;
-    }
+    if (m_table.Count() == 0 || m_largestKey < key)
+        return true;
+    // A tag crosses the interface as an int: a key past INT_MAX would be
+    // another unit's tag there (and one past LONG_MAX none at all).
+    if (m_largestKey >= INT_MAX)
+        return false;
+    key = m_largestKey + 1;
     return true;
 }
 
@@ -114,7 +135,11 @@ void CKVunitRegistry::CheckInvariants() const {
     m_table.CheckInvariants("unit registry");
     if (m_entries.Size() != m_table.Count())
         throw std::logic_error("unit registry: the key entries and the units differ in number");
+    bool largestFound = m_table.Count() == 0;
     for (const CKVunit* unit : m_table) {
+        if (unit->m_lKey > m_largestKey)
+            throw std::logic_error("unit registry: a key is larger than the largest key kept");
+        largestFound = largestFound || unit->m_lKey == m_largestKey;
         const CKVunitKeyEntry* entry = FindEntry(unit->m_lKey);
         if (entry == nullptr || entry->unit != unit)
             throw std::logic_error("unit registry: a unit has no key entry");
@@ -122,4 +147,6 @@ void CKVunitRegistry::CheckInvariants() const {
             std::memcmp(&entry->offset, &unit->m_dOffset, sizeof(double)) != 0)
             throw std::logic_error("unit registry: a key entry differs from its unit");
     }
+    if (!largestFound)
+        throw std::logic_error("unit registry: no unit has the largest key kept");
 }

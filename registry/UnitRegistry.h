@@ -86,15 +86,17 @@ class CKVunitRegistry : public IUnitSet {
 
     // The key for a unit created at run time: one above the largest key in
     // use, at least 100000. False when the largest key leaves no room in the
-    // interface's int.
+    // interface's int. Constant time: the registry keeps its largest key.
     bool NextRunTimeKey(long& key) const;
 
     // Throws std::logic_error naming the first broken invariant (the table's,
     // and every key entry matching its unit).
     void CheckInvariants() const;
 
-    // Counts the changes of the units (every Add, Remove and SetTexts), so
-    // that derived data knows whether it is older than the units.
+    // A number that changes with every change of the units (Add, Remove,
+    // SetTexts), and that no other registry of the process has had: what was
+    // found in this registry under one generation (a position, a text, any
+    // derived data) still holds while the generation is the same.
     unsigned long long Generation() const { return m_generation; }
 
     // The derived data kept with the registry (null until set). It is
@@ -114,8 +116,12 @@ class CKVunitRegistry : public IUnitSet {
     CKVunitKeyEntry EntryOf(const CKVunit& unit);
     int DimensionClassOf(const CKVdimension& dim);
 
+    void Changed();
+
     CKVtable<const CKVunit> m_table;
     CKVhashIndex<long, CKVunitKeyEntry> m_entries;
+    // The largest key registered (meaningless while the registry is empty).
+    long m_largestKey = 0;
     // The dimension classes handed out: a dimension's exponents (as bit
     // patterns, zeros of either sign alike) -> its class.
     struct DimensionKey {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <vector>
 
+#include "common/RegularFile.h"
 #include "langfile/KVLangFile.h"
 
 using namespace xun::contract;
@@ -16,14 +17,14 @@ namespace {
 void Skipped(CXunLoadReport& report, const std::string& fileName) {
     if (!report.Observed())
         return;
-    std::FILE* file = std::fopen(fileName.c_str(), "r");
-    const int error = errno;
+    std::string reason;
+    std::FILE* file = xunOpenRegularFile_(fileName.c_str(), "r", reason);
     if (file != nullptr)
         std::fclose(file);
     report.Dropped(fileName, 0,
-                   file != nullptr ? "the file has fewer than two lines; a load skips it"
-                                   : std::string("the file cannot be read (") +
-                                         std::strerror(error) + "); a load keeps the texts it has");
+                   file != nullptr
+                       ? "the file has fewer than two lines; a load skips it"
+                       : "the file cannot be read (" + reason + "); a load keeps the texts it has");
 }
 
 // The reader takes a modifiable name.

@@ -26,6 +26,7 @@
 
 #include "SmartPtr"
 #include "common/Assert.h"
+#include "setup/IncludeNames.h"
 #include "setup/Installation.h"
 #include "units/KVexpr.h"
 #include "xml/CString.h"
@@ -137,6 +138,9 @@ class SetupLoader {
 
     // 1 when the document was loaded and processed, 0 when it could not be.
     int Run();
+    // Why the document was refused when it passed a bound of the XML layer;
+    // empty otherwise.
+    const std::string& Refusal() const { return m_refusal; }
 
   private:
     long LineOf(const NodePtr& node) const {
@@ -156,12 +160,25 @@ class SetupLoader {
     void LoadItemTypes(const NodePtr& group);
     void LoadFilters(const NodePtr& group);
     void ReportUnreadGroups(const NodePtr& units, const NodePtr& items, const NodePtr& filters);
+    template <class Registry, class KeyText>
+    void ReportSharedInterfaceKeys(const Registry& registry, const char* kind, const char* key,
+                                   KeyText keyText);
+    // The names that the include files would get.
+    struct ConstantName {
+        const char* kind;
+        std::string ident;
+        const void* object;
+    };
+    template <class Registry, class Text>
+    void ReportIncludeNames(const Registry& registry, const char* kind, const char* textName,
+                            Text text, std::unordered_map<std::string, ConstantName>& names);
 
     CKVregistries& m_registries;
     CKVunitRegistry& m_units;
     CXunLoadReport& m_report;
     const std::string& m_file;
     CSmartPtr<IXMLDOMDocument> m_document;
+    std::string m_refusal;
     // Where each object of this load was defined (observed loads only).
     std::unordered_map<const void*, long> m_lines;
 };
@@ -613,8 +630,11 @@ void SetupLoader::ReportUnreadGroups(const NodePtr& units, const NodePtr& items,
     xercesc::DOMDocument* document = m_document->m_pDoc;
     XMLCh groupTag[] = {'G', 'r', 'o', 'u', 'p', 0};
     XMLCh nameTag[] = {'N', 'a', 'm', 'e', 0};
+    // The lists are walked until item() runs out: the length of such a live
+    // list walks the whole document each time it is asked, while stepping
+    // on from the item before costs constant time.
     xercesc::DOMNodeList* groups = document->getElementsByTagName(groupTag);
-    for (XMLSize_t i = 0; groups != nullptr && i < groups->getLength(); ++i) {
+    for (XMLSize_t i = 0; groups != nullptr && groups->item(i) != nullptr; ++i) {
         auto* element = static_cast<xercesc::DOMElement*>(groups->item(i));
         const CString name = IXMLDOMNode::wide2cstr(element->getAttribute(nameTag));
         const NodePtr* selected = name == "Units"     ? &units
@@ -646,13 +666,101 @@ void SetupLoader::ReportUnreadGroups(const NodePtr& units, const NodePtr& items,
         XMLCh rowTag[] = {'R', 0};
         auto* element = static_cast<xercesc::DOMElement*>((*group)->m_pNode);
         xercesc::DOMNodeList* all = element->getElementsByTagName(rowTag);
-        for (XMLSize_t i = 0; all != nullptr && i < all->getLength(); ++i) {
+        for (XMLSize_t i = 0; all != nullptr && all->item(i) != nullptr; ++i) {
             const xercesc::DOMNode* r = all->item(i);
             if (read.count(r) == 0)
                 m_report.Dropped(m_file, m_document->LineOf(r),
                                  "this R element is not a row (rows are the R children of a Rows "
                                  "child of the Group); it defines nothing");
         }
+    }
+}
+
+// The int that a key reaches the interface as, as a key text takes it: a
+// filter bit as its 32 bits, a key as the signed int.
+long InterfaceValue(long key, const char* noun) {
+    const int value = static_cast<int>(key);
+    return std::strcmp(noun, "bit") == 0 ? static_cast<long>(static_cast<unsigned>(value)) : value;
+}
+
+// Keys cross the interface as int: a key that does not fit reaches it as its
+// low 32 bits, which may be the key of another object. Every object of this
+// load whose key does so is reported with the first registered object that
+// shares its int (each pair with the first of its int: the interface cannot
+// tell them apart).
+template <class Registry, class KeyText>
+void SetupLoader::ReportSharedInterfaceKeys(const Registry& registry, const char* kind,
+                                            const char* key, KeyText keyText) {
+    std::unordered_map<int, const void*> first;
+    first.reserve(registry.Count());
+    for (const auto* object : registry) {
+        const long value = XunKeyOf(*object);
+        const auto found = first.emplace(static_cast<int>(value), object);
+        if (found.second || m_lines.count(object) == 0)
+            continue;
+        const auto* other = static_cast<decltype(object)>(found.first->second);
+        const auto line = m_lines.find(other);
+        m_report.Warning(
+            m_file, m_lines[object],
+            std::string(kind) + " " + Quote(XunIdentOf(*object)) + ": KvId " + keyText(value) +
+                " reaches the interface as the " + key + " " + keyText(InterfaceValue(value, key)) +
+                ", as does the KvId " + keyText(XunKeyOf(*other)) + " of " + kind + " " +
+                Quote(XunIdentOf(*other)) +
+                (line != m_lines.end() ? " (line " + std::to_string(line->second) + ")"
+                                       : std::string(" (registered before this load)")) +
+                ": the interface cannot tell the two apart");
+    }
+}
+
+// A text in a report line: line breaks shown as \n.
+std::string OneLine(const std::string& text) {
+    std::string line;
+    for (char c : text)
+        line += c == '\n' ? std::string("\\n") : c == '\r' ? std::string("\\r") : std::string(1, c);
+    return line;
+}
+
+// xunWriteItemTypeIncludes writes every ident as the name of a constant in
+// C, Pascal, Fortran and C#, and every description into the comment beside
+// it, as they are. Every object of this load whose ident is no valid name in
+// one of them, whose text breaks the comment, or whose ident names the same
+// constant as an object before it (item types, units and filters share the
+// names of the C, Pascal and Fortran files; the last two ignore case) is
+// reported.
+template <class Registry, class Text>
+void SetupLoader::ReportIncludeNames(const Registry& registry, const char* kind,
+                                     const char* textName, Text text,
+                                     std::unordered_map<std::string, ConstantName>& names) {
+    for (const auto* object : registry) {
+        const std::string& ident = XunIdentOf(*object);
+        const auto found = names.emplace(xunFoldedName_(ident), ConstantName{kind, ident, object});
+        const auto line = m_lines.find(object);
+        if (line == m_lines.end())
+            continue;
+        const std::string what = std::string(kind) + " " + Quote(OneLine(ident)) + ": ";
+        const std::string nameProblem = xunConstantNameProblem_(ident);
+        if (!nameProblem.empty())
+            m_report.Warning(m_file, line->second,
+                             what + "the ident is " + nameProblem +
+                                 "; the include files would carry it as it is");
+        const std::string textProblem = xunCommentTextProblem_(text(*object));
+        if (!textProblem.empty())
+            m_report.Warning(m_file, line->second,
+                             what + "the " + textName + " " + Quote(OneLine(text(*object))) + " " +
+                                 textProblem);
+        if (found.second || !nameProblem.empty())
+            continue;
+        const ConstantName& other = found.first->second;
+        const auto otherLine = m_lines.find(other.object);
+        m_report.Warning(
+            m_file, line->second,
+            what + "the ident names the same constant as " + other.kind + " " +
+                Quote(OneLine(other.ident)) +
+                (otherLine != m_lines.end() ? " (line " + std::to_string(otherLine->second) + ")"
+                                            : std::string(" (registered before this load)")) +
+                " in the " +
+                (other.ident == ident ? "C, Pascal and Fortran include files"
+                                      : "Pascal and Fortran include files, which ignore case"));
     }
 }
 
@@ -712,24 +820,24 @@ int SetupLoader::Run() {
     m_document->m_bLoadOption3 = true;
     m_document->RecordLines(m_report.Observed());
     if (!m_document->load(CString(m_file.c_str()))) {
-        std::string error = m_document->FirstError().GetString();
-        if (m_report.Observed()) {
-            std::FILE* file = std::fopen(m_file.c_str(), "r");
-            const int openError = errno;
-            if (file == nullptr) {
-                m_report.Message(stderr, "Document '" + m_file + "' not parsed successfully. \n",
-                                 m_file, 0,
-                                 std::string("the file cannot be read (") +
-                                     std::strerror(openError) + "); a load refuses it");
-                return 0;
-            }
-            std::fclose(file);
+        const std::string error = m_document->FirstError().GetString();
+        const long line = m_document->FirstErrorLine();
+        std::string why;
+        switch (m_document->LoadFailure()) {
+        case IXMLDOMDocument::Failure::Unreadable:
+            why = error + "; a load refuses it";
+            break;
+        case IXMLDOMDocument::Failure::Bound:
+            m_refusal = error;
+            why = error + "; a load refuses the file";
+            break;
+        default:
+            why = error.empty() ? "the file cannot be read as XML; a load refuses it"
+                                : "not well-formed XML: " + error + "; a load refuses the file";
+            break;
         }
         m_report.Message(stderr, "Document '" + m_file + "' not parsed successfully. \n", m_file,
-                         m_document->FirstErrorLine(),
-                         error.empty()
-                             ? "the file cannot be read as XML; a load refuses it"
-                             : "not well-formed XML: " + error + "; a load refuses the file");
+                         line, m_report.Observed() ? why : std::string());
         return 0;
     }
     const NodePtr units = m_document->selectSingleNode(CString(kUnitsGroup));
@@ -743,13 +851,25 @@ int SetupLoader::Run() {
         LoadItemTypes(items);
     if (filters)
         LoadFilters(filters);
+    if (m_report.Observed()) {
+        auto number = [](long key) { return std::to_string(key); };
+        ReportSharedInterfaceKeys(m_units, "unit", "tag", number);
+        ReportSharedInterfaceKeys(m_registries.itemTypes, "item type", "key", number);
+        ReportSharedInterfaceKeys(m_registries.filters, "filter", "bit", FilterBitText);
+        std::unordered_map<std::string, ConstantName> names;
+        auto key = [](const auto& object) -> const std::string& { return object.m_strKey; };
+        auto desc = [](const CKVunit& unit) -> const std::string& { return unit.m_strDesc; };
+        ReportIncludeNames(m_registries.itemTypes, "item type", "description", key, names);
+        ReportIncludeNames(m_units, "unit", "description", desc, names);
+        ReportIncludeNames(m_registries.filters, "filter", "description", key, names);
+    }
     return 1;
 }
 
 } // namespace
 
 int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadReport& report,
-                      std::string& fileName) {
+                      std::string& fileName, std::string* refusal) {
     fileName = (path != nullptr && path[0] != '\0') ? std::string(path)
                                                     : xunInstallDir_() + "XUN" + ".xml";
     // The numeric locale of the host, restored after a successful load (and
@@ -781,7 +901,10 @@ int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadRepor
     }
     int result = 0;
     try {
-        result = SetupLoader(registries, report, fileName).Run();
+        SetupLoader loader(registries, report, fileName);
+        result = loader.Run();
+        if (refusal != nullptr)
+            *refusal = loader.Refusal();
     } catch (const xercesc::XMLException&) {
         result = 0;
     } catch (const xercesc::OutOfMemoryException&) {

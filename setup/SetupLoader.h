@@ -19,6 +19,9 @@
 // numeric locale is "C" while it runs and is restored after a successful
 // load only, and szDocName records the file; in a check the locale and the
 // evaluator's decimal symbol are restored in every case and szDocName is
-// left alone. fileName receives the path used.
+// left alone. fileName receives the path used. When the file was refused
+// because it passes a bound of the XML layer (common/Contract.h: entity
+// expansion, text, memory, nesting, attributes), refusal (if given)
+// receives why; it is left empty otherwise.
 int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadReport& report,
-                      std::string& fileName);
+                      std::string& fileName, std::string* refusal = nullptr);

@@ -179,15 +179,23 @@ bool ResolveLocation(const Invocation& call, const std::string& setupArgument,
 }
 
 int CheckReadable(const std::string& file) {
+    // Nothing is opened here: opening a FIFO waits for a writer. The library
+    // reads regular files only, and says why it refuses anything else.
     struct stat status;
     if (::stat(file.c_str(), &status) != 0)
         return Fail(kExitFailed, "cannot read setup file '" + file + "': " + std::strerror(errno));
     if (S_ISDIR(status.st_mode))
         return Fail(kExitFailed, "cannot read setup file '" + file + "': it is a directory");
-    std::FILE* probe = std::fopen(file.c_str(), "r");
-    if (probe == nullptr)
+    if (!S_ISREG(status.st_mode))
+        return Fail(kExitFailed, "cannot read setup file '" + file +
+                                     "': it is not a regular file (" +
+                                     (S_ISFIFO(status.st_mode)  ? "a FIFO or pipe"
+                                      : S_ISCHR(status.st_mode) ? "a character device"
+                                      : S_ISBLK(status.st_mode) ? "a block device"
+                                                                : "a socket") +
+                                     ")");
+    if (::access(file.c_str(), R_OK) != 0)
         return Fail(kExitFailed, "cannot read setup file '" + file + "': " + std::strerror(errno));
-    std::fclose(probe);
     return kExitOk;
 }
 

@@ -1,15 +1,18 @@
 #include "xml/XMLDOM.h"
 
+#include <algorithm>
+#include <cstring>
 #include <memory>
 #include <new>
-
-#include <sys/stat.h>
+#include <utility>
 
 #include <xercesc/dom/DOMException.hpp>
 #include <xercesc/dom/DOMNodeList.hpp>
 #include <xercesc/framework/LocalFileInputSource.hpp>
-#include <xercesc/framework/URLInputSource.hpp>
+#include <xercesc/framework/XMLErrorCodes.hpp>
 #include <xercesc/internal/XMLScanner.hpp>
+#include <xercesc/sax/InputSource.hpp>
+#include <xercesc/util/BinInputStream.hpp>
 #include <xercesc/sax/Locator.hpp>
 #include <xercesc/sax/SAXException.hpp>
 #include <xercesc/sax/SAXParseException.hpp>
@@ -21,12 +24,17 @@
 #include <xercesc/util/XMLURL.hpp>
 #include <xercesc/util/XMLUni.hpp>
 
+#include "common/Contract.h"
+#include "common/RegularFile.h"
+
 using xercesc::DOMDocument;
 using xercesc::DOMNamedNodeMap;
 using xercesc::DOMNode;
 using xercesc::DOMNodeList;
 using xercesc::XMLPlatformUtils;
 using xercesc::XMLString;
+
+using namespace xun::contract;
 
 namespace MSXML2 {
 
@@ -62,6 +70,107 @@ int EqualsAsLocalText_(const XMLCh* wide, const CString& text) {
         if (i >= length || static_cast<unsigned char>(bytes[i]) != c)
             return 0;
     }
+}
+
+// A stream over bytes it owns (a file read whole).
+class COwnedBytesStream : public xercesc::BinInputStream {
+  public:
+    explicit COwnedBytesStream(std::vector<unsigned char>&& bytes) : m_bytes(std::move(bytes)) {}
+    XMLFilePos curPos() const override { return m_position; }
+    XMLSize_t readBytes(XMLByte* const toFill, const XMLSize_t maxToRead) override {
+        const XMLSize_t count = std::min<XMLSize_t>(maxToRead, m_bytes.size() - m_position);
+        if (count > 0)
+            std::memcpy(toFill, m_bytes.data() + m_position, count);
+        m_position += count;
+        return count;
+    }
+    const XMLCh* getContentType() const override { return nullptr; }
+
+  private:
+    std::vector<unsigned char> m_bytes;
+    std::size_t m_position = 0;
+};
+
+// An input source over the bytes of a file read whole, under the system id
+// the parser library would give the file (relative references inside it are
+// resolved against that id). Its one stream takes the bytes over.
+class CBytesInputSource : public xercesc::InputSource {
+  public:
+    CBytesInputSource(const XMLCh* systemId, std::vector<unsigned char>&& bytes)
+        : xercesc::InputSource(systemId, XMLPlatformUtils::fgMemoryManager),
+          m_bytes(std::move(bytes)) {}
+    xercesc::BinInputStream* makeStream() const override {
+        return new COwnedBytesStream(std::move(m_bytes));
+    }
+
+  private:
+    mutable std::vector<unsigned char> m_bytes;
+};
+
+// Where the parser library would read a system id from: a local path and
+// the full system id it would give it, or nothing (a URL of the network, or
+// of another host: never opened).
+struct LocalSource {
+    bool local = false;
+    std::string path;                  // in the local character set
+    std::basic_string<XMLCh> systemId; // the full id, for relative references inside
+};
+
+// Replaces every %xx of a file URL's path by its byte, as the parser library
+// does before it opens the file.
+std::string PercentDecoded(const std::string& text) {
+    std::string decoded;
+    decoded.reserve(text.size());
+    auto hex = [](char c) {
+        return c >= '0' && c <= '9'   ? c - '0'
+               : c >= 'a' && c <= 'f' ? c - 'a' + 10
+               : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                      : -1;
+    };
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '%' && i + 2 < text.size() && hex(text[i + 1]) >= 0 &&
+            hex(text[i + 2]) >= 0) {
+            decoded += static_cast<char>(hex(text[i + 1]) * 16 + hex(text[i + 2]));
+            i += 2;
+        } else {
+            decoded += text[i];
+        }
+    }
+    return decoded;
+}
+
+std::string LocalText(const XMLCh* text) {
+    return IXMLDOMNode::wide2cstr(text).GetString();
+}
+
+// The source of a system id (relative to baseId when given), as the parser
+// library reads it: a text without a known scheme ("xun.dtd",
+// "/opt/x/xun.dtd") is a path; a file: URL without a host (or with
+// localhost) names a local file; any other URL names nothing local.
+LocalSource SourceOf(const XMLCh* baseId, const XMLCh* systemId) {
+    LocalSource source;
+    xercesc::XMLURL url;
+    if (xercesc::XMLURL::parse(systemId, url) && url.getProtocol() != xercesc::XMLURL::Unknown) {
+        const XMLCh* host = url.getHost();
+        source.local = url.getProtocol() == xercesc::XMLURL::File &&
+                       (host == nullptr || *host == 0 ||
+                        XMLString::compareIString(host, xercesc::XMLUni::fgLocalHostString) == 0);
+        if (source.local) {
+            source.path = PercentDecoded(LocalText(url.getPath()));
+            source.systemId = url.getURLText();
+        }
+        return source;
+    }
+    // The full path as the parser library makes it (relative to the base's
+    // folder, or to the working directory); nothing is opened here.
+    std::unique_ptr<xercesc::LocalFileInputSource> named(
+        baseId != nullptr
+            ? new xercesc::LocalFileInputSource(baseId, systemId, XMLPlatformUtils::fgMemoryManager)
+            : new xercesc::LocalFileInputSource(systemId, XMLPlatformUtils::fgMemoryManager));
+    source.local = true;
+    source.systemId = named->getSystemId();
+    source.path = LocalText(named->getSystemId());
+    return source;
 }
 
 } // namespace
@@ -236,6 +345,95 @@ CSmartPtr<IXMLDOMNode> IXMLDOMNodeList::Getitem(long index) {
 }
 
 // ---------------------------------------------------------------------------
+// Reading files, the bounds of a parse
+
+void CParseBounds::Start(std::size_t fileBytes) {
+    m_bytesRead = fileBytes;
+    m_files.clear();
+    m_depth = 0;
+    m_characters = 0;
+}
+
+void CParseBounds::AddFile(const std::string& path, std::size_t bytes) {
+    if (m_files.insert(path).second)
+        m_bytesRead += bytes;
+}
+
+std::size_t CParseBounds::TextLimit() const {
+    return std::max(kXmlTextFloor, kXmlTextPerByte * m_bytesRead);
+}
+
+std::size_t CParseBounds::MemoryLimit() const {
+    return std::max(kXmlMemoryFloor, kXmlMemoryPerByte * m_bytesRead);
+}
+
+void CParseBounds::EnterElement(const XMLCh* name, std::size_t attributes, std::size_t characters) {
+    if (m_depth >= kXmlMaxDepth)
+        throw Exceeded{"element '" + LocalText(name) + "' is nested " +
+                       std::to_string(m_depth + 1) + " levels deep; the limit is " +
+                       std::to_string(kXmlMaxDepth)};
+    if (attributes > kXmlMaxAttributes)
+        throw Exceeded{"element '" + LocalText(name) + "' has " + std::to_string(attributes) +
+                       " attributes; the limit is " + std::to_string(kXmlMaxAttributes)};
+    ++m_depth;
+    AddText(characters);
+}
+
+void CParseBounds::AddText(std::size_t characters) {
+    m_characters += characters;
+    if (m_characters > TextLimit())
+        throw Exceeded{"the text of the document after entity expansion passes " +
+                       std::to_string(TextLimit()) +
+                       " characters, its limit (the larger of 1 MiB and 8 per byte of the "
+                       "files read)"};
+}
+
+void CBoundedMemoryManager::Bound(std::size_t limit) {
+    m_base = m_held;
+    m_limit = limit;
+    m_bounded = true;
+    m_refused = false;
+}
+
+xercesc::MemoryManager* CBoundedMemoryManager::getExceptionMemoryManager() {
+    return XMLPlatformUtils::fgMemoryManager;
+}
+
+namespace {
+// Each block carries its size in front, kept at the alignment of any type.
+constexpr std::size_t kBlockHeader = alignof(std::max_align_t) > sizeof(std::size_t)
+                                         ? alignof(std::max_align_t)
+                                         : sizeof(std::size_t);
+} // namespace
+
+void* CBoundedMemoryManager::allocate(XMLSize_t size) {
+    if (m_bounded && m_held - m_base + size > m_limit) {
+        m_refused = true;
+        throw xercesc::OutOfMemoryException();
+    }
+    void* block = nullptr;
+    try {
+        block = ::operator new(size + kBlockHeader);
+    } catch (const std::bad_alloc&) {
+        throw xercesc::OutOfMemoryException();
+    }
+    *static_cast<std::size_t*>(block) = size;
+    m_held += size;
+    return static_cast<char*>(block) + kBlockHeader;
+}
+
+void CBoundedMemoryManager::deallocate(void* p) {
+    if (p == nullptr)
+        return;
+    void* block = static_cast<char*>(p) - kBlockHeader;
+    m_held -= *static_cast<std::size_t*>(block);
+    // What was held before the bound and is freed during it makes room.
+    if (m_held < m_base)
+        m_base = m_held;
+    ::operator delete(block);
+}
+
+// ---------------------------------------------------------------------------
 // CLineRecordingParser
 
 long CLineRecordingParser::CurrentLine() const {
@@ -254,6 +452,19 @@ void CLineRecordingParser::startElement(const xercesc::XMLElementDecl& elemDecl,
                                         const xercesc::RefVectorOf<xercesc::XMLAttr>& attrList,
                                         const XMLSize_t attrCount, const bool isEmpty,
                                         const bool isRoot) {
+    // Checked before the element goes into the document: the document
+    // builder takes time quadratic in the attributes of an element.
+    std::size_t characters = 0;
+    const XMLSize_t attributes = std::min<XMLSize_t>(attrCount, kXmlMaxAttributes + 1);
+    for (XMLSize_t i = 0; i < attributes; ++i)
+        characters += XMLString::stringLen(attrList.elementAt(i)->getValue());
+    m_lastElementLine = CurrentLine();
+    try {
+        m_bounds.EnterElement(elemDecl.getFullName(), attrCount, characters);
+    } catch (CParseBounds::Exceeded& exceeded) {
+        exceeded.line = m_lastElementLine;
+        throw;
+    }
     const long start = m_lineAfterLastEvent;
     xercesc::XercesDOMParser::startElement(elemDecl, urlId, elemPrefix, attrList, attrCount,
                                            isEmpty, isRoot);
@@ -269,6 +480,7 @@ void CLineRecordingParser::startElement(const xercesc::XMLElementDecl& elemDecl,
 void CLineRecordingParser::endElement(const xercesc::XMLElementDecl& elemDecl,
                                       const unsigned int urlId, const bool isRoot,
                                       const XMLCh* const elemPrefix) {
+    m_bounds.LeaveElement();
     xercesc::XercesDOMParser::endElement(elemDecl, urlId, isRoot, elemPrefix);
     if (m_bRecord)
         m_lineAfterLastEvent = CurrentLine();
@@ -276,6 +488,7 @@ void CLineRecordingParser::endElement(const xercesc::XMLElementDecl& elemDecl,
 
 void CLineRecordingParser::docCharacters(const XMLCh* const chars, const XMLSize_t length,
                                          const bool cdataSection) {
+    AddText(length);
     xercesc::XercesDOMParser::docCharacters(chars, length, cdataSection);
     if (m_bRecord)
         m_lineAfterLastEvent = CurrentLine();
@@ -283,9 +496,31 @@ void CLineRecordingParser::docCharacters(const XMLCh* const chars, const XMLSize
 
 void CLineRecordingParser::ignorableWhitespace(const XMLCh* const chars, const XMLSize_t length,
                                                const bool cdataSection) {
+    AddText(length);
     xercesc::XercesDOMParser::ignorableWhitespace(chars, length, cdataSection);
     if (m_bRecord)
         m_lineAfterLastEvent = CurrentLine();
+}
+
+void CLineRecordingParser::AddText(std::size_t characters) {
+    try {
+        m_bounds.AddText(characters);
+    } catch (CParseBounds::Exceeded& exceeded) {
+        exceeded.line = CurrentLine();
+        throw;
+    }
+}
+
+void CLineRecordingParser::error(const unsigned int errCode, const XMLCh* const msgDomain,
+                                 const xercesc::XMLErrorReporter::ErrTypes errType,
+                                 const XMLCh* const errorText, const XMLCh* const systemId,
+                                 const XMLCh* const publicId, const XMLFileLoc lineNum,
+                                 const XMLFileLoc colNum) {
+    if (errType >= xercesc::XMLErrorReporter::ErrType_Fatal && m_firstFatalCode == 0 &&
+        msgDomain != nullptr && XMLString::equals(msgDomain, xercesc::XMLUni::fgXMLErrDomain))
+        m_firstFatalCode = errCode;
+    xercesc::XercesDOMParser::error(errCode, msgDomain, errType, errorText, systemId, publicId,
+                                    lineNum, colNum);
 }
 
 void CLineRecordingParser::docComment(const XMLCh* const comment) {
@@ -304,8 +539,9 @@ void IXMLDOMDocument::CFatalErrorCounter::fatalError(const xercesc::SAXParseExce
     }
 }
 
-IXMLDOMDocument::IXMLDOMDocument() : m_parser(XMLPlatformUtils::fgMemoryManager) {
+IXMLDOMDocument::IXMLDOMDocument() : m_parser(&m_memory, m_bounds) {
     m_parser.setErrorHandler(&m_errorCounter);
+    m_securityManager.setEntityExpansionLimit(kXmlEntityExpansionLimit);
     m_parser.setSecurityManager(&m_securityManager);
     // Every external DTD and entity goes through the resolver, which never
     // lets the parser library open a network connection: what the resolver
@@ -319,25 +555,24 @@ IXMLDOMDocument::CLocalEntityResolver::resolveEntity(xercesc::XMLResourceIdentif
     const XMLCh* systemId = resource != nullptr ? resource->getSystemId() : nullptr;
     if (systemId == nullptr || *systemId == 0)
         return nullptr;
-    // The parser library reads a text without a known scheme ("xun.dtd",
-    // "/opt/x/xun.dtd") as a URL of the protocol Unknown: a path.
-    xercesc::XMLURL url;
-    if (xercesc::XMLURL::parse(systemId, url) && url.getProtocol() != xercesc::XMLURL::Unknown) {
-        // A URL: only a file: URL without a host (or with localhost) names a
-        // local file; its stream is then opened without the network.
-        const XMLCh* host = url.getHost();
-        const bool local =
-            url.getProtocol() == xercesc::XMLURL::File &&
-            (host == nullptr || *host == 0 ||
-             XMLString::compareIString(host, xercesc::XMLUni::fgLocalHostString) == 0);
-        if (!local)
-            return nullptr;
-        return new xercesc::URLInputSource(url, XMLPlatformUtils::fgMemoryManager);
+    // A path resolves against the location of the document that names it.
+    const LocalSource source = SourceOf(resource->getBaseURI(), systemId);
+    std::vector<unsigned char> bytes;
+    std::string reason;
+    if (!source.local)
+        reason = "the external file '" + LocalText(systemId) +
+                 "' cannot be read (a URL, not a local file)";
+    else if (!xunReadRegularFile_(source.path.c_str(), bytes, reason))
+        reason = "the external file '" + source.path + "' cannot be read (" + reason + ")";
+    if (!reason.empty()) {
+        if (m_firstFailure.empty())
+            m_firstFailure = reason;
+        return nullptr;
     }
-    // A path, relative to the location of the document that names it. A
-    // local file input never uses the network, whatever the text holds.
-    return new xercesc::LocalFileInputSource(resource->getBaseURI(), systemId,
-                                             XMLPlatformUtils::fgMemoryManager);
+    // The bytes of each file read count once towards the document's bounds.
+    m_bounds.AddFile(source.path, bytes.size());
+    m_memory.Raise(m_bounds.MemoryLimit());
+    return new CBytesInputSource(source.systemId.c_str(), std::move(bytes));
 }
 
 IXMLDOMDocument::~IXMLDOMDocument() {
@@ -347,7 +582,16 @@ IXMLDOMDocument::~IXMLDOMDocument() {
         doc->release();
 }
 
+void IXMLDOMDocument::Fail(Failure failure, const CString& text, long line) {
+    m_failure = failure;
+    m_failureText = text;
+    m_failureLine = line;
+}
+
 bool IXMLDOMDocument::load(const CString& fileName) {
+    m_failure = Failure::None;
+    m_failureText = CString();
+    m_failureLine = 0;
     try {
         // The current document stays alive for the wrappers that point into
         // it; this object releases it at its end.
@@ -355,22 +599,71 @@ bool IXMLDOMDocument::load(const CString& fileName) {
             m_earlierDocs.push_back(m_pDoc);
             m_pDoc = nullptr;
         }
-        // A directory cannot be read as a document. The parser would find that
-        // out as well, but loses a buffer on the way.
-        struct stat status;
-        if (::stat(fileName.GetString(), &status) == 0 && S_ISDIR(status.st_mode))
+        // The file is read here, whole and only when it is a regular file:
+        // the parser never opens a FIFO, a device or a URL of the network.
+        ParserWideChars_ wideName(
+            XMLString::transcode(fileName.GetString(), XMLPlatformUtils::fgMemoryManager));
+        const LocalSource source = SourceOf(nullptr, wideName.get());
+        std::vector<unsigned char> bytes;
+        std::string reason;
+        if (!source.local) {
+            Fail(Failure::Unreadable, CString("the file cannot be read (a URL, not a local file)"),
+                 0);
             return false;
+        }
+        if (!xunReadRegularFile_(source.path.c_str(), bytes, reason)) {
+            Fail(Failure::Unreadable, CString(("the file cannot be read (" + reason + ")").c_str()),
+                 0);
+            return false;
+        }
+        m_bounds.Start(bytes.size());
+        m_entityResolver.m_firstFailure.clear();
         m_parser.setValidationScheme(xercesc::XercesDOMParser::Val_Always);
         m_parser.setDoNamespaces(true);
         m_errorCounter.resetErrors();
         m_parser.StartDocument();
-        m_parser.parse(fileName.GetString());
+        const CBytesInputSource input(source.systemId.c_str(), std::move(bytes));
+        struct Unbound {
+            CBoundedMemoryManager& memory;
+            ~Unbound() { memory.Unbound(); }
+        } unbound{m_memory};
+        m_memory.Bound(m_bounds.MemoryLimit());
+        try {
+            m_parser.parse(input);
+        } catch (const CParseBounds::Exceeded& exceeded) {
+            Fail(Failure::Bound, CString(exceeded.reason.c_str()), exceeded.line);
+            return false;
+        } catch (const xercesc::OutOfMemoryException&) {
+            if (!m_memory.Refused())
+                throw;
+            Fail(Failure::Bound,
+                 CString(("the XML parser needs more than " +
+                          std::to_string(m_bounds.MemoryLimit()) +
+                          " bytes for the document, its limit (the larger of 64 MiB and 64 per "
+                          "byte of the files read)")
+                             .c_str()),
+                 m_parser.LastElementLine());
+            return false;
+        }
         DOMDocument* doc = m_parser.adoptDocument();
         if (m_errorCounter.m_nFatalErrors != 0 || doc == nullptr ||
             doc->getDocumentElement() == nullptr) {
             // Nothing points into a document that failed; free it at once.
             if (doc != nullptr)
                 doc->release();
+            if (m_parser.FirstFatalCode() == xercesc::XMLErrs::EntityExpansionLimitExceeded)
+                Fail(Failure::Bound,
+                     CString(("the document expands more than " +
+                              std::to_string(kXmlEntityExpansionLimit) +
+                              " entity references, the limit")
+                                 .c_str()),
+                     m_errorCounter.m_nFirstErrorLine);
+            else if (!m_entityResolver.m_firstFailure.empty())
+                Fail(Failure::Unreadable, CString(m_entityResolver.m_firstFailure.c_str()),
+                     m_errorCounter.m_nFirstErrorLine);
+            else
+                Fail(Failure::NotWellFormed, m_errorCounter.m_strFirstError,
+                     m_errorCounter.m_nFirstErrorLine);
             return false;
         }
         m_pDoc = doc;
@@ -386,6 +679,9 @@ bool IXMLDOMDocument::load(const CString& fileName) {
     } catch (const xercesc::SAXException&) {
     } catch (...) {
     }
+    if (m_failure == Failure::None)
+        Fail(Failure::NotWellFormed, m_errorCounter.m_strFirstError,
+             m_errorCounter.m_nFirstErrorLine);
     return false;
 }
 

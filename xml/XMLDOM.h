@@ -16,16 +16,26 @@
 // The wrappers never change a document. Apart from load, which reports every
 // failure through its result, their operations throw only when memory runs
 // out.
+//
+// A document is bounded (the limits of common/Contract.h): load reads only
+// regular files, never a FIFO or a device and never the network; and it
+// refuses a document that expands beyond its bounds - entity expansions,
+// text after expansion, the parser's memory, nesting, attributes per element
+// - at the point where it passes one, in time linear in what was read.
 #pragma once
 
 #include <SmartPtr>
 
+#include <cstddef>
+#include <string>
 #include <unordered_map>
+#include <unordered_set>
 #include <vector>
 
 #include <xercesc/dom/DOMDocument.hpp>
 #include <xercesc/dom/DOMNamedNodeMap.hpp>
 #include <xercesc/dom/DOMNode.hpp>
+#include <xercesc/framework/MemoryManager.hpp>
 #include <xercesc/parsers/XercesDOMParser.hpp>
 #include <xercesc/sax/ErrorHandler.hpp>
 #include <xercesc/util/SecurityManager.hpp>
@@ -185,19 +195,93 @@ class IXMLDOMNodeList : public CSmartPtrAble {
     CLengthProperty length{this};
 };
 
+// The bounds of one parse: elements nested, attributes per element, the
+// characters of the document's text after entity expansion, and the bytes
+// the parser may hold - the last two grow with the bytes read, the file and
+// each external file it names (counted once). Passing one throws
+// CParseBounds::Exceeded, which ends the parse.
+class CParseBounds {
+  public:
+    struct Exceeded {
+        std::string reason;
+        long line = 0; // where the parse stood, 0 when unknown
+    };
+
+    // Starts the bounds of a parse of a file of fileBytes bytes.
+    void Start(std::size_t fileBytes);
+    // Counts the bytes of an external file (a DTD or an entity) once.
+    void AddFile(const std::string& path, std::size_t bytes);
+
+    // An element starts (with this many attributes, their values and the
+    // defaulted ones of this many characters) or ends; text is read.
+    void EnterElement(const XMLCh* name, std::size_t attributes, std::size_t characters);
+    void LeaveElement() {
+        if (m_depth > 0)
+            --m_depth;
+    }
+    void AddText(std::size_t characters);
+
+    std::size_t TextLimit() const;
+    std::size_t MemoryLimit() const;
+
+  private:
+    std::size_t m_bytesRead = 0;
+    std::unordered_set<std::string> m_files;
+    std::size_t m_depth = 0;
+    std::size_t m_characters = 0;
+};
+
+// The memory manager of a document's parser: it allocates as the parser
+// library's own does, counts what it holds, and while a bound is set refuses
+// (as running out of memory: xercesc::OutOfMemoryException) any allocation
+// that would hold more than the bound above what was held when it was set.
+class CBoundedMemoryManager : public xercesc::MemoryManager {
+  public:
+    // Sets the bound: at most limit bytes more than are held now.
+    void Bound(std::size_t limit);
+    // Moves the bound of the current parse to limit bytes above its start.
+    void Raise(std::size_t limit) { m_limit = limit; }
+    void Unbound() { m_bounded = false; }
+    // Whether the bound refused an allocation since it was set.
+    bool Refused() const { return m_refused; }
+
+    xercesc::MemoryManager* getExceptionMemoryManager() override;
+    void* allocate(XMLSize_t size) override;
+    void deallocate(void* p) override;
+
+  private:
+    std::size_t m_held = 0;
+    std::size_t m_base = 0;
+    std::size_t m_limit = 0;
+    bool m_bounded = false;
+    bool m_refused = false;
+};
+
 // The parser of a document, which can also note the line on which each
-// element starts (for reports about a file; off unless asked for).
+// element starts (for reports about a file; off unless asked for), counts
+// what the parse's bounds count, and notes the code of the first fatal
+// error.
 class CLineRecordingParser : public xercesc::XercesDOMParser {
   public:
-    explicit CLineRecordingParser(xercesc::MemoryManager* memoryManager)
-        : xercesc::XercesDOMParser(nullptr, memoryManager, nullptr) {}
+    CLineRecordingParser(xercesc::MemoryManager* memoryManager, CParseBounds& bounds)
+        : xercesc::XercesDOMParser(nullptr, memoryManager, nullptr), m_bounds(bounds) {}
 
     // Turns the noting of lines on or off for the next parses.
     void RecordLines(bool on) { m_bRecord = on; }
     // The line on which an element of the last parse starts; 0 when unknown.
     long LineOf(const xercesc::DOMNode* node) const;
     // Called before each parse.
-    void StartDocument() { m_lineAfterLastEvent = 1; }
+    void StartDocument() {
+        m_lineAfterLastEvent = 1;
+        m_lastElementLine = 0;
+        m_firstFatalCode = 0;
+    }
+    // The code (xercesc::XMLErrs) of the first fatal error of the last parse;
+    // 0 when none.
+    unsigned FirstFatalCode() const { return m_firstFatalCode; }
+    // The line on which the last element of the last parse ended its start
+    // tag; 0 when none.
+    long LastElementLine() const { return m_lastElementLine; }
 
     void startElement(const xercesc::XMLElementDecl& elemDecl, const unsigned int urlId,
                       const XMLCh* const elemPrefix,
@@ -210,15 +294,25 @@ class CLineRecordingParser : public xercesc::XercesDOMParser {
     void ignorableWhitespace(const XMLCh* const chars, const XMLSize_t length,
                              const bool cdataSection) override;
     void docComment(const XMLCh* const comment) override;
+    void error(const unsigned int errCode, const XMLCh* const msgDomain,
+               const xercesc::XMLErrorReporter::ErrTypes errType, const XMLCh* const errorText,
+               const XMLCh* const systemId, const XMLCh* const publicId, const XMLFileLoc lineNum,
+               const XMLFileLoc colNum) override;
 
   private:
+    // The line the scanner stands on (during a parse only); 0 when unknown.
     long CurrentLine() const;
+    // Counts text towards the bounds.
+    void AddText(std::size_t characters);
 
+    CParseBounds& m_bounds;
+    long m_lastElementLine = 0;
     bool m_bRecord = false;
     // The line where the scanner stood after the last event: an element's
     // start tag begins there (the scanner reports it only at its end).
     long m_lineAfterLastEvent = 1;
     std::unordered_map<const xercesc::DOMNode*, long> m_lines;
+    unsigned m_firstFatalCode = 0;
 };
 
 class IXMLDOMDocument : public CSmartPtrAble {
@@ -237,13 +331,15 @@ class IXMLDOMDocument : public CSmartPtrAble {
 
     // Parses the file with the validation scheme "always" and namespace
     // processing, and takes the document over. Returns true when the file
-    // was read and is well-formed XML; false when it cannot be read, is not
-    // well formed (a fatal parser error) or gives no document. External DTDs
-    // and entities are read from local files only: a document that names one
-    // by a network URL fails to load. Validity errors
-    // (for a document without any grammar: every element and attribute) are
-    // neither reported nor a failure. Throws only std::bad_alloc, when memory
-    // runs out.
+    // was read and is well-formed XML; false when it cannot be read (it is
+    // no regular file, or a URL of the network: such is never opened), is
+    // not well formed (a fatal parser error), passes one of its bounds or
+    // gives no document (Failure says which). External DTDs and entities are
+    // read from local regular files only: a document that names one by a
+    // network URL, or names a FIFO or a device, fails to load. Validity
+    // errors (for a document without any grammar: every element and
+    // attribute) are neither reported nor a failure. Throws only
+    // std::bad_alloc, when memory runs out.
     //
     // A later load replaces the current document; the earlier document stays
     // alive, so wrappers that point into it remain usable, and is released
@@ -281,11 +377,18 @@ class IXMLDOMDocument : public CSmartPtrAble {
     };
 
   public:
-    // What the parser said of the first fatal error of the last load, and
-    // its line (0 when none or unknown): for reports about a file a load
-    // refuses.
-    const CString& FirstError() const { return m_errorCounter.m_strFirstError; }
-    long FirstErrorLine() const { return m_errorCounter.m_nFirstErrorLine; }
+    // Why the last load failed: the file cannot be read (or is no regular
+    // file), it is not well-formed XML, or it passes a bound of the
+    // document (common/Contract.h).
+    enum class Failure { None, Unreadable, NotWellFormed, Bound };
+    Failure LoadFailure() const { return m_failure; }
+    // The reason in words - "the file cannot be read (...)", "the external
+    // file '...' cannot be read (...)", the bound passed, or the parser's
+    // message of the first fatal error for a document that is not well
+    // formed ("" when the parser gave none) - and its line (0 when none or
+    // unknown): for reports about a file a load refuses.
+    const CString& FirstError() const { return m_failureText; }
+    long FirstErrorLine() const { return m_failureLine; }
 
   private:
     // Reads external DTDs and external entities from local files only. The
@@ -295,13 +398,32 @@ class IXMLDOMDocument : public CSmartPtrAble {
     // not resolved, which the parser reports as a fatal error, so the load
     // fails. Plain paths resolve against the document's own location, as
     // before.
+    //
+    // A local file is read whole by xunReadRegularFile_ (never a FIFO or a
+    // device) and counted in the document's bounds; what cannot be read is
+    // not resolved, and the first reason is kept.
     class CLocalEntityResolver : public xercesc::XMLEntityResolver {
       public:
+        explicit CLocalEntityResolver(CParseBounds& bounds, CBoundedMemoryManager& memory)
+            : m_bounds(bounds), m_memory(memory) {}
         xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* resource) override;
+        std::string m_firstFailure;
+
+      private:
+        CParseBounds& m_bounds;
+        CBoundedMemoryManager& m_memory;
     };
 
+    void Fail(Failure failure, const CString& text, long line);
+
+    // Declared first: the parser and every document allocate from it.
+    CBoundedMemoryManager m_memory;
+    CParseBounds m_bounds;
+    Failure m_failure = Failure::None;
+    CString m_failureText;
+    long m_failureLine = 0;
     CFatalErrorCounter m_errorCounter;
-    CLocalEntityResolver m_entityResolver;
+    CLocalEntityResolver m_entityResolver{m_bounds, m_memory};
     // Bounds entity expansion, so that a small file cannot expand into an
     // unbounded document.
     xercesc::SecurityManager m_securityManager;

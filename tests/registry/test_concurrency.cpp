@@ -1,9 +1,10 @@
-// After loading, every conversion and every lookup except the two iteration
-// functions may be called from several threads at once: they write nothing
-// but their outputs. Here several threads run all of them at the same time
-// over the default installation and must see exactly what one thread sees
-// alone. Built with -DXUN_TSAN=ON, ThreadSanitizer checks the same runs for
-// data races.
+// After loading, every function that only reads - lookups, conversions,
+// walks, sequences, lists - may be called from several threads at once: they
+// write nothing shared but their outputs (a walk's and a sequence's memory is
+// the calling thread's own). Here several threads run all of them at the
+// same time over the default installation and must see exactly what one
+// thread sees alone. Built with -DXUN_TSAN=ON, ThreadSanitizer checks the
+// same runs for data races.
 #include <gtest/gtest.h>
 
 #include <cstdint>
@@ -300,6 +301,91 @@ TEST(Concurrency, LookupsAndConversionsFromSeveralThreads) {
     EXPECT_EQ(xuntest::Registries().units.Count(), units);
     EXPECT_EQ(xuntest::Registries().itemTypes.Count(), items);
     EXPECT_EQ(xuntest::Registries().filters.Count(), filters);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
+}
+
+// Complete walks and sequences: every unit by xunGetNextUnit, the units of
+// one dimension by xunGetNextEqvUnit, every item type, filter and allowed
+// unit by sequence number, and the item types of one filter.
+uint64_t Walks(const Keys& keys, unsigned round) {
+    Digest d;
+    int tag = 0;
+    const char* text = nullptr;
+    unsigned steps = 0;
+    for (int prev = 0; xunGetNextUnit(prev, &tag, &text); prev = tag, ++steps) {
+        d.Add(tag);
+        d.Add(text);
+    }
+    d.Add(static_cast<int>(steps));
+    d.Add(xunGetLastError(nullptr));
+    const int reference = keys.units[round % (keys.units.size() - 1)];
+    steps = 0;
+    for (int prev = 0; xunGetNextEqvUnit(reference, prev, &tag, &text); prev = tag, ++steps) {
+        d.Add(tag);
+        d.Add(text);
+    }
+    d.Add(static_cast<int>(steps));
+    const int items = xunGetItemTypeCount();
+    d.Add(items);
+    for (int seq = 1; seq <= items + 1; ++seq) {
+        d.Add(xunGetItemTypeSeq(seq, &tag, &text));
+        d.Add(tag);
+        d.Add(text);
+    }
+    const int filters = xunGetFilterCount();
+    for (int seq = 1; seq <= filters + 1; ++seq) {
+        d.Add(xunGetFilterSeq(seq, &tag, &text));
+        d.Add(tag);
+        d.Add(text);
+    }
+    const int filter = keys.filters[round % keys.filters.size()];
+    const int filtered = xunGetFilteredItemTypeCount(filter);
+    d.Add(filtered);
+    for (int seq = 1; seq <= filtered + 1; ++seq) {
+        d.Add(xunGetFilteredItemTypeSeq(filter, seq, &tag, &text));
+        d.Add(tag);
+        d.Add(text);
+    }
+    const int item = keys.items[round % (keys.items.size() - 2)];
+    const int allowed = xunGetItemUnitCount(item);
+    d.Add(allowed);
+    for (int seq = 1; seq <= allowed + 1; ++seq) {
+        d.Add(xunGetItemUnitSeq(item, seq, &tag, &text));
+        d.Add(tag);
+        d.Add(text);
+    }
+    return d.Value();
+}
+
+// 1,000 times: a unit is added (alone, as changes must be), then four new
+// threads walk at once, right after the change, and each must see what one
+// thread sees alone afterwards.
+TEST(Concurrency, WalksAndSequencesFromFourThreadsAfterEachChange) {
+    setenv("KORVANE_HOME", (std::string(std::getenv("XUN_TEST_DATA")) + "/../../data").c_str(), 1);
+    testing::internal::CaptureStdout();
+    xunLoadItemTypeTables("");
+    testing::internal::GetCapturedStdout();
+    ASSERT_GT(xuntest::Registries().units.Count(), 300u);
+    const Keys keys = CollectKeys();
+    const size_t units = xuntest::Registries().units.Count();
+
+    const unsigned kRounds = 1000, kThreads = 4;
+    unsigned mismatches = 0;
+    for (unsigned round = 0; round < kRounds; ++round) {
+        const std::string ident = "UnitAdded" + std::to_string(round);
+        ASSERT_EQ(xunUnitNew(ident.c_str(), ident.c_str(), "a", "UnitMeter*2"), 1);
+        std::vector<uint64_t> seen(kThreads);
+        std::vector<std::thread> threads;
+        for (unsigned t = 0; t < kThreads; ++t)
+            threads.emplace_back([&, t] { seen[t] = Walks(keys, round); });
+        for (std::thread& thread : threads)
+            thread.join();
+        const uint64_t expected = Walks(keys, round);
+        for (unsigned t = 0; t < kThreads; ++t)
+            mismatches += seen[t] != expected;
+    }
+    EXPECT_EQ(mismatches, 0u);
+    EXPECT_EQ(xuntest::Registries().units.Count(), units + kRounds);
     EXPECT_EQ(xuntest::BrokenInvariant(), "");
 }
 

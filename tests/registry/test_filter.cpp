@@ -224,6 +224,57 @@ TEST(FilterQueries, FilteredSequence) {
     EXPECT_EQ(text, kUntouched);
 }
 
+// Each thread remembers where its last filtered question left off, so that a
+// walk seq = 1, 2, ... costs O(n) in all. Whatever changes in between - an
+// item type added, a mask or file-item flag changed - the answers stay those
+// of a walk from the start.
+TEST(FilterQueries, FilteredSequenceFollowsChangesBetweenSteps) {
+    RegisterFilteredItems();
+    int key = -7;
+    const char* text = nullptr;
+    ASSERT_EQ(xunGetFilteredItemTypeSeq(1, 1, &key, &text), 1);
+    EXPECT_EQ(key, 501);
+    // 503 joins filter 1: it is now the second, ahead of 505.
+    ASSERT_EQ(xunAddItemFilter(503, 1), 1);
+    ASSERT_EQ(xunGetFilteredItemTypeSeq(1, 2, &key, &text), 1);
+    EXPECT_EQ(key, 503);
+    EXPECT_EQ(xunGetFilteredItemTypeCount(1), 3);
+    // 501 leaves the file items: 503 becomes the first.
+    xuntest::ItemByKey(501)->FileItem(0);
+    EXPECT_EQ(xunGetFilteredItemTypeCount(1), 2);
+    ASSERT_EQ(xunGetFilteredItemTypeSeq(1, 2, &key, &text), 1);
+    EXPECT_EQ(key, 505);
+    ASSERT_EQ(xunGetFilteredItemTypeSeq(1, 1, &key, &text), 1);
+    EXPECT_EQ(key, 503);
+    // A new member at the end.
+    CKVitemType* late = RegisterItemType("G", 507, CKVdimension::GetLength());
+    late->SetFilter(1);
+    EXPECT_EQ(xunGetFilteredItemTypeCount(1), 3);
+    EXPECT_EQ(FilteredKeys(1), (std::vector<int>{503, 505, 507}));
+    // Backwards and repeated questions give the same answers.
+    for (int seq : {3, 3, 2, 1, 3}) {
+        ASSERT_EQ(xunGetFilteredItemTypeSeq(1, seq, &key, &text), 1);
+        EXPECT_EQ(key, (std::vector<int>{503, 505, 507})[static_cast<size_t>(seq - 1)]);
+    }
+    EXPECT_EQ(xunGetFilteredItemTypeSeq(1, 4, &key, &text), 0);
+}
+
+// Other filters in between do not disturb a walk.
+TEST(FilterQueries, FilteredSequencesOfTwoFiltersInterleaved) {
+    RegisterFilteredItems();
+    std::vector<int> first, second;
+    int key = -7;
+    const char* text = nullptr;
+    for (int seq = 1; seq <= 5; ++seq) {
+        if (xunGetFilteredItemTypeSeq(3, seq, &key, &text))
+            first.push_back(key);
+        if (xunGetFilteredItemTypeSeq(-1, seq, &key, &text))
+            second.push_back(key);
+    }
+    EXPECT_EQ(first, (std::vector<int>{501, 503, 505}));
+    EXPECT_EQ(second, (std::vector<int>{501, 502, 503, 505, 506}));
+}
+
 TEST(FilterQueries, FilteredSequenceOnAnEmptyRegistry) {
     int key = -7;
     const char* text = kUntouched;

@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "registry_fixture.h"
 #include "registry_access.h"
@@ -65,6 +67,38 @@ TEST(ItemType, AllowUnitRefusesSameKeyOrSameIdent) {
     ASSERT_EQ(item.m_lstUnits.size(), 2u);
     EXPECT_EQ(item.m_lstUnits.front(), m);
     EXPECT_EQ(item.m_lstUnits.back(), &longer);
+}
+
+// A long list keeps the keys and idents it holds in hash sets: the same
+// answers as the scan of a short one, for units appended, put in front or
+// (as a registry copy does) pushed onto the list directly.
+TEST(ItemType, AllowUnitRefusesDuplicatesInALongList) {
+    std::vector<std::unique_ptr<CKVunit>> units;
+    for (int k = 0; k < 60; ++k) {
+        units.emplace_back(new CKVunit("u", "u", 2000 + k, 1.0 + k, CKVdimension::GetLength()));
+        units.back()->m_strIdent = "U" + std::to_string(k);
+    }
+    CKVitemType item("level", 500, "Level", CKVdimension::GetLength());
+    for (int k = 0; k < 20; ++k)
+        ASSERT_TRUE(item.AllowUnit(*units[static_cast<size_t>(k)], k % 3 == 0)) << k;
+    item.m_lstUnits.push_back(units[20].get());
+    item.m_lstUnits.push_back(nullptr);
+    for (int k = 21; k < 40; ++k)
+        ASSERT_TRUE(item.AllowUnit(*units[static_cast<size_t>(k)], k % 5 == 0)) << k;
+    for (int k = 0; k < 40; ++k) {
+        EXPECT_FALSE(item.AllowUnit(*units[static_cast<size_t>(k)], false)) << k;
+        EXPECT_FALSE(item.AllowUnit(*units[static_cast<size_t>(k)], true)) << k;
+    }
+    CKVunit sameKey("other", "o", 2030, 2.0, CKVdimension::GetLength());
+    sameKey.m_strIdent = "other";
+    EXPECT_FALSE(item.AllowUnit(sameKey, false));
+    CKVunit sameIdent("again", "a", 4711, 2.0, CKVdimension::GetLength());
+    sameIdent.m_strIdent = "U7";
+    EXPECT_FALSE(item.AllowUnit(sameIdent, true));
+    for (int k = 40; k < 60; ++k)
+        EXPECT_TRUE(item.AllowUnit(*units[static_cast<size_t>(k)], false)) << k;
+    EXPECT_EQ(item.m_lstUnits.size(), 61u);
+    EXPECT_EQ(item.GetUnit(61), units[59].get());
 }
 
 TEST(ItemType, AllowUnitSkipsNullElements) {

@@ -181,6 +181,31 @@ TEST(SetupCheck, RowsALoadDropsOrWarnsAbout) {
           "interface sees 101",
           "tools/check/key_range.xml:21: [warning] KvId '0x100000002' does not fit in 32 bits: "
           "the interface sees 0x2"}},
+        {"check/shared_keys.xml",
+         {"check/shared_keys.xml:7: [warning] KvId '4294968296' does not fit in 32 bits: the "
+          "interface sees 1000",
+          "check/shared_keys.xml:8: [warning] KvId '-4294966296' does not fit in 32 bits: the "
+          "interface sees 1000",
+          "check/shared_keys.xml:13: [warning] no Decimals on the first row of the group: -1 is "
+          "used",
+          "check/shared_keys.xml:13: [warning] no DefaultValue on the first row of the group: 0 "
+          "is used",
+          "check/shared_keys.xml:14: [warning] KvId '4294967396' does not fit in 32 bits: the "
+          "interface sees 100",
+          "check/shared_keys.xml:20: [warning] KvId '0x100000001' does not fit in 32 bits: the "
+          "interface sees 0x1",
+          "check/shared_keys.xml:7: [warning] unit 'UnitWide': KvId 4294968296 reaches the "
+          "interface as the tag 1000, as does the KvId 1000 of unit 'UnitMeter' (line 6): the "
+          "interface cannot tell the two apart",
+          "check/shared_keys.xml:8: [warning] unit 'UnitBelow': KvId -4294966296 reaches the "
+          "interface as the tag 1000, as does the KvId 1000 of unit 'UnitMeter' (line 6): the "
+          "interface cannot tell the two apart",
+          "check/shared_keys.xml:14: [warning] item type 'ItemDepth': KvId 4294967396 reaches "
+          "the interface as the key 100, as does the KvId 100 of item type 'ItemLevel' (line "
+          "13): the interface cannot tell the two apart",
+          "check/shared_keys.xml:20: [warning] filter 'FilterB': KvId 0x100000001 reaches the "
+          "interface as the bit 0x1, as does the KvId 0x1 of filter 'FilterA' (line 19): the "
+          "interface cannot tell the two apart"}},
         {"tools/check/number_text.xml",
          {"tools/check/number_text.xml:9: [warning] KvId '1003x' reads as 1003",
           "tools/check/number_text.xml:15: [warning] Decimals '2.5' reads as 2",

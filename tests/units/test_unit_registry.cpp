@@ -2,6 +2,7 @@
 
 #include <memory>
 
+#include <climits>
 #include <cstdlib>
 #include <string>
 #include <vector>
@@ -111,6 +112,57 @@ TEST(UnitRegistry, UnitNewCountsUpFromTheLargestKey) {
     RegisterUnit("near", 100000, 1.0, 0.0, CKVdimension::GetLength());
     ASSERT_EQ(xunUnitNew("x", "x", "x", "Length"), 1);
     EXPECT_EQ(Tag("x"), 200001);
+}
+
+// The registry keeps its largest key; when the unit of the largest key
+// leaves, the next largest one counts.
+TEST(UnitRegistry, UnitNewCountsOnFromTheLargestKeyLeft) {
+    RegisterUnit("a", 100005, 1.0, 0.0, CKVdimension::GetLength());
+    RegisterUnit("b", 100009, 1.0, 0.0, CKVdimension::GetLength());
+    EXPECT_NE(xuntest::Registries().units.Remove(xuntest::UnitByKey(100009)), nullptr);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
+    ASSERT_EQ(xunUnitNew("x", "x", "x", "a"), 1);
+    EXPECT_EQ(Tag("x"), 100006);
+    EXPECT_NE(xuntest::Registries().units.Remove(xuntest::UnitByKey(100006)), nullptr);
+    EXPECT_NE(xuntest::Registries().units.Remove(xuntest::UnitByKey(100005)), nullptr);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
+    RegisterUnit("c", 7, 1.0, 0.0, CKVdimension::GetLength());
+    ASSERT_EQ(xunUnitNew("y", "y", "y", "c"), 1);
+    EXPECT_EQ(Tag("y"), 100000);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
+}
+
+// A run-time key must cross the interface as the unit's own int tag: after a
+// largest key of INT_MAX or LONG_MAX (registered from a file) none is left,
+// and xunUnitNew fails with XUN_ERR_LIMIT instead of counting on past it.
+TEST(UnitRegistry, UnitNewRefusesKeysBeyondTheInt) {
+    const long largest[] = {INT_MAX, static_cast<long>(INT_MAX) + 1, LONG_MAX};
+    for (long key : largest) {
+        RegisterUnit("top", key, 1.0, 0.0, CKVdimension::GetLength());
+        const std::size_t count = xuntest::Registries().units.Count();
+        xunClearLastError();
+        EXPECT_EQ(xunUnitNew("x", "x", "x", "top"), 0) << key;
+        const char* message = nullptr;
+        EXPECT_EQ(xunGetLastError(&message), XUN_ERR_LIMIT) << key;
+        EXPECT_STREQ(message, "xunUnitNew: no key is left for a new unit (the largest key in use "
+                              "is the largest int)");
+        EXPECT_EQ(xuntest::Registries().units.Count(), count);
+        EXPECT_EQ(xuntest::UnitByIdent("x"), nullptr);
+        EXPECT_NE(xuntest::Registries().units.Remove(xuntest::UnitByKey(key)), nullptr);
+        EXPECT_EQ(xuntest::BrokenInvariant(), "");
+    }
+}
+
+// The last key left is INT_MAX itself, and that unit converts by its tag.
+TEST(UnitRegistry, UnitNewTakesTheLargestIntAndItConverts) {
+    RegisterUnit("m", INT_MAX - 1, 1.0, 0.0, CKVdimension::GetLength());
+    ASSERT_EQ(xunUnitNew("km", "kilometre", "km", "m*1000"), 1);
+    EXPECT_EQ(Tag("km"), INT_MAX);
+    double x = 0;
+    ASSERT_EQ(xunConvertUnit(INT_MAX, INT_MAX - 1, &x, 2.5), 1);
+    EXPECT_EQ(x, 2500.0);
+    EXPECT_EQ(xunUnitNew("mm", "millimetre", "mm", "m/1000"), 0);
+    EXPECT_EQ(xunGetLastError(nullptr), XUN_ERR_LIMIT);
 }
 
 TEST(UnitRegistry, UnitNewSetsNamesAndKeepsTheExpression) {
@@ -363,6 +415,56 @@ TEST(UnitRegistry, NextEqvUnitStartsAtTheFirstEquivalentUnit) {
     EXPECT_EQ(xunGetNextEqvUnit(1000, 77, &tag, &key), 0);
     EXPECT_EQ(xunGetNextEqvUnit(77, 0, &tag, &key), 0);
     EXPECT_EQ(tag, -1);
+}
+
+// Keys beyond the int range reach the interface as their low 32 bits: 1000
+// for 2^32 + 1000 (the tag of UnitMeter), 0 for 2^32. A walk still visits
+// every unit once and ends: each thread remembers what its walk handed out
+// last.
+TEST(UnitRegistry, WalksWithKeysBeyondTheIntRangeVisitEachUnitOnce) {
+    RegisterUnit("m", 1000, 1.0, 0.0, CKVdimension::GetLength(), "meter");
+    RegisterUnit("wide", 0x100000000L + 1000, 2.0, 0.0, CKVdimension::GetLength(), "wide");
+    RegisterUnit("s", 1100, 1.0, 0.0, CKVdimension::GetTime(), "second");
+    RegisterUnit("zero", 0x100000000L, 3.0, 0.0, CKVdimension::GetLength(), "zero");
+    RegisterUnit("km", 1001, 1000.0, 0.0, CKVdimension::GetLength(), "kilometer");
+    auto walk = [](int reference) {
+        std::vector<std::string> seen;
+        int tag = 0;
+        const char* key = nullptr;
+        for (int prev = 0; reference == 0 ? xunGetNextUnit(prev, &tag, &key)
+                                          : xunGetNextEqvUnit(reference, prev, &tag, &key);
+             prev = tag) {
+            seen.push_back(key);
+            if (seen.size() > 10)
+                break;
+        }
+        return seen;
+    };
+    const std::vector<std::string> all{"meter", "wide", "second", "zero", "kilometer"};
+    EXPECT_EQ(walk(0), all);
+    EXPECT_EQ(walk(1001), (std::vector<std::string>{"meter", "wide", "zero", "kilometer"}));
+    // Again: a finished walk starts from the front.
+    EXPECT_EQ(walk(0), all);
+    // A walk of all units with a walk of equivalents inside each step.
+    std::vector<std::string> outer;
+    int tag = 0;
+    const char* key = nullptr;
+    for (int prev = 0; xunGetNextUnit(prev, &tag, &key) && outer.size() < 10; prev = tag) {
+        outer.push_back(key);
+        EXPECT_EQ(walk(1001).size(), 4u);
+    }
+    EXPECT_EQ(outer, all);
+    // Without the walk before it, 1000 is UnitMeter's tag.
+    ASSERT_EQ(xunGetNextUnit(1000, &tag, &key), 1);
+    EXPECT_STREQ(key, "wide");
+    EXPECT_EQ(tag, 1000);
+    ASSERT_EQ(xunGetNextUnit(1000, &tag, &key), 1);
+    EXPECT_STREQ(key, "second");
+    // A change of the registry forgets the memory: 1000 is UnitMeter again.
+    ASSERT_EQ(xunGetNextUnit(1000, &tag, &key), 1);
+    RegisterUnit("late", 1200, 1.0, 0.0, CKVdimension::GetLength(), "late");
+    ASSERT_EQ(xunGetNextUnit(1000, &tag, &key), 1);
+    EXPECT_STREQ(key, "wide");
 }
 
 TEST(UnitRegistry, NextEqvUnitOnEmptyRegistry) {

@@ -12,6 +12,7 @@
 #include <xercesc/util/PlatformUtils.hpp>
 #include <xercesc/util/XMLString.hpp>
 
+#include "common/Contract.h"
 #include "xml/XMLDOM.h"
 
 namespace {
@@ -161,6 +162,53 @@ TEST_F(XmlDom, EntityExpansionIsBounded) {
     CSmartPtr<IXMLDOMDocument> doc(new IXMLDOMDocument);
     EXPECT_FALSE(doc->load(CString(DataFile("entity_bomb.xml").c_str())));
     EXPECT_EQ(doc->m_pDoc, nullptr);
+    EXPECT_EQ(doc->LoadFailure(), IXMLDOMDocument::Failure::Bound);
+    EXPECT_EQ(std::string(doc->FirstError().GetString()),
+              "the document expands more than 50000 entity references, the limit");
+}
+
+// Why a load fails: the file cannot be read, it is no XML, or it passes a
+// bound; the next successful load clears it.
+TEST_F(XmlDom, LoadFailureSaysWhy) {
+    CSmartPtr<IXMLDOMDocument> doc(new IXMLDOMDocument);
+    EXPECT_FALSE(doc->load(CString("/dev/null/none.xml")));
+    EXPECT_EQ(doc->LoadFailure(), IXMLDOMDocument::Failure::Unreadable);
+    EXPECT_EQ(std::string(doc->FirstError().GetString()),
+              "the file cannot be read (Not a directory)");
+    EXPECT_FALSE(doc->load(CString("/dev/null")));
+    EXPECT_EQ(doc->LoadFailure(), IXMLDOMDocument::Failure::Unreadable);
+    EXPECT_EQ(std::string(doc->FirstError().GetString()),
+              "the file cannot be read (a character device, not a regular file)");
+    EXPECT_FALSE(doc->load(CString(DataFile("malformed.xml").c_str())));
+    EXPECT_EQ(doc->LoadFailure(), IXMLDOMDocument::Failure::NotWellFormed);
+    EXPECT_NE(doc->FirstErrorLine(), 0);
+    std::string deep;
+    for (unsigned i = 0; i <= xun::contract::kXmlMaxDepth; ++i)
+        deep += "<a>";
+    for (unsigned i = 0; i <= xun::contract::kXmlMaxDepth; ++i)
+        deep += "</a>";
+    TempFile file(deep);
+    EXPECT_FALSE(doc->load(CString(file.Path().c_str())));
+    EXPECT_EQ(doc->LoadFailure(), IXMLDOMDocument::Failure::Bound);
+    EXPECT_EQ(std::string(doc->FirstError().GetString()),
+              "element 'a' is nested 257 levels deep; the limit is 256");
+    EXPECT_EQ(doc->FirstErrorLine(), 1);
+    EXPECT_TRUE(doc->load(CString(DataFile("groups.xml").c_str())));
+    EXPECT_EQ(doc->LoadFailure(), IXMLDOMDocument::Failure::None);
+    EXPECT_STREQ(doc->FirstError().GetString(), "");
+}
+
+// A file: URL names a local file (its %xx escapes decoded); the file is read
+// like a path.
+TEST_F(XmlDom, FileUrlOfTheDocumentIsRead) {
+    CSmartPtr<IXMLDOMDocument> doc(new IXMLDOMDocument);
+    const std::string path = DataFile("groups.xml");
+    ASSERT_EQ(path[0], '/');
+    EXPECT_TRUE(doc->load(CString(("file://" + path).c_str())));
+    std::string escaped = "file://";
+    for (char c : path)
+        escaped += c == 'g' ? std::string("%67") : std::string(1, c);
+    EXPECT_TRUE(doc->load(CString(escaped.c_str())));
 }
 
 TEST_F(XmlDom, DocumentWithDtdLoadsWithItsDefaults) {
@@ -612,7 +660,8 @@ TEST_F(XmlDom, ManyRowsAreSelectedInOrder) {
 }
 
 TEST_F(XmlDom, DeepDocumentAndLongPath) {
-    const int depth = 5000;
+    // As deep as a document may be: b is at the limit.
+    const int depth = static_cast<int>(xun::contract::kXmlMaxDepth) - 1;
     std::string xml;
     std::string path;
     for (int i = 0; i < depth; ++i) {
