@@ -60,22 +60,22 @@ extern "C" {
 
 /* ---- Errors -------------------------------------------------------------- */
 
-#define XUN_OK 0                     /* no failure recorded */
-#define XUN_ERR_NULL_ARGUMENT 1      /* a required pointer argument is null */
-#define XUN_ERR_UNKNOWN_UNIT 2       /* no unit has that tag or ident */
-#define XUN_ERR_UNKNOWN_ITEM_TYPE 3  /* no item type has that key or ident */
-#define XUN_ERR_UNKNOWN_FILTER 4     /* no filter has that bit or ident */
-#define XUN_ERR_NO_REAL_UNIT 5       /* the unit has key 0 */
-#define XUN_ERR_DIMENSION 6          /* the units (or unit and item type) differ in dimension */
-#define XUN_ERR_NOT_FOUND 7          /* nothing found: no unit matches the name, nothing to list */
-#define XUN_ERR_RANGE 8              /* a sequence number or count out of range */
-#define XUN_ERR_END 9                /* a walk has no further element */
-#define XUN_ERR_TAKEN 10             /* the ident (or key) is already registered */
-#define XUN_ERR_EXPRESSION 11        /* the expression does not give a unit */
-#define XUN_ERR_FILE 12              /* a file cannot be read or parsed */
-#define XUN_ERR_NO_MEMORY 13         /* memory ran out */
-#define XUN_ERR_LIMIT 14             /* a limit of the library (keys, path length, XML bounds) */
-#define XUN_ERR_INTERNAL 15          /* an unexpected internal error */
+#define XUN_OK 0                    /* no failure recorded */
+#define XUN_ERR_NULL_ARGUMENT 1     /* a required pointer argument is null */
+#define XUN_ERR_UNKNOWN_UNIT 2      /* no unit has that tag or ident */
+#define XUN_ERR_UNKNOWN_ITEM_TYPE 3 /* no item type has that key or ident */
+#define XUN_ERR_UNKNOWN_FILTER 4    /* no filter has that bit or ident */
+#define XUN_ERR_NO_REAL_UNIT 5      /* the unit has key 0 */
+#define XUN_ERR_DIMENSION 6         /* the units (or unit and item type) differ in dimension */
+#define XUN_ERR_NOT_FOUND 7         /* nothing found: no unit matches the name, nothing to list */
+#define XUN_ERR_RANGE 8             /* a sequence number or count out of range */
+#define XUN_ERR_END 9               /* a walk has no further element */
+#define XUN_ERR_TAKEN 10            /* the ident (or key) is already registered */
+#define XUN_ERR_EXPRESSION 11       /* the expression does not give a unit */
+#define XUN_ERR_FILE 12             /* a file cannot be read or parsed */
+#define XUN_ERR_NO_MEMORY 13        /* memory ran out */
+#define XUN_ERR_LIMIT 14            /* a limit of the library (keys, path length, XML bounds) */
+#define XUN_ERR_INTERNAL 15         /* an unexpected internal error */
 
 /* The code of the last failed call on the calling thread (XUN_OK when none
    since the start or the last xunClearLastError), and, when message is not
@@ -130,7 +130,8 @@ XUN_API int xunUnitGetParameters(int tag, double* factor, double* offset, double
    has the grammar, the rules and the limits). */
 
 /* The notations of xunGetUnitText. */
-#define XUN_NOTATION_CF 1      /* UDUNITS-2/CF, for CF units attributes: "m3 s-1", "0.3048 m", "K @ 273.15" */
+#define XUN_NOTATION_CF                                                                            \
+    1 /* UDUNITS-2/CF, for CF units attributes: "m3 s-1", "0.3048 m", "K @ 273.15" */
 #define XUN_NOTATION_ASCII 2   /* plain ASCII: "m3/s", "kg/(m2*s)", "degC" */
 #define XUN_NOTATION_UNICODE 3 /* Unicode (UTF-8): "m³/s", "kg/(m²·s)", "°C" */
 
@@ -154,8 +155,8 @@ XUN_API int xunGetUnitText(int tag, int notation, const char** text);
 
 /* ---- Derived units ------------------------------------------------------- */
 /* On failure (and before the search): *factor = 1, *matchKey = 0,
-   *eqvKey = 0; for the integration and derivation factors *resultKey = unit,
-   *inverseKey = 0, *factor = 1. */
+ *eqvKey = 0; for the integration and derivation factors *resultKey = unit,
+ *inverseKey = 0, *factor = 1. */
 
 XUN_API int xunUnitPower(int unit, int* matchKey, int* eqvKey, double* factor, double power);
 XUN_API int xunUnitMultiply(int unit1, int unit2, int* matchKey, int* eqvKey, double* factor);
