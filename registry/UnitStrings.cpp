@@ -1,6 +1,7 @@
 #include "registry/UnitStrings.h"
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstdlib>
@@ -793,17 +794,21 @@ std::string Superscript(long value) {
     return out;
 }
 
-// An exponent as written after '^': "2", "-1", "(1/3)", "0.4142".
+// An exponent as written after '^': "2", "-1", "(1/3)", "0.4142". The text
+// reads back to exactly the same double (dimensions compare exactly): a
+// fraction only where its quotient is the exponent, else the shortest
+// decimal that reads back ("0.6000000000000001" from 1.6 - 1, not "(3/5)").
 std::string ExponentText(double exponent) {
     if (exponent == std::round(exponent))
         return std::to_string(static_cast<long>(exponent));
     for (int q = 2; q <= 12; ++q) {
-        const double p = exponent * q;
-        if (std::fabs(p - std::round(p)) < 1e-9)
-            return "(" + std::to_string(static_cast<long>(std::round(p))) + "/" +
-                   std::to_string(q) + ")";
+        const double p = std::round(exponent * q);
+        if (p / q == exponent)
+            return "(" + std::to_string(static_cast<long>(p)) + "/" + std::to_string(q) + ")";
     }
-    return xunShortestNumber_(exponent);
+    char text[32];
+    const std::to_chars_result written = std::to_chars(text, text + sizeof text, exponent);
+    return std::string(text, written.ptr);
 }
 
 // A number for a text: the fewest digits that stay within 1e-15 of it

@@ -517,6 +517,29 @@ TEST_F(UnitStrings, EveryUnitReadsBackFromEachNotation) {
     EXPECT_GE(units, 387);
 }
 
+// An exponent that arithmetic left a bit away from a fraction (1.6 - 1 is
+// 0.6000000000000001, not 0.6) is written so that it reads back exactly:
+// dimensions compare exactly, and "(3/5)" would be another meaning.
+TEST_F(UnitStrings, ExponentsReadBackExactly) {
+    struct Case {
+        const char* text;
+        const char* cf;
+    };
+    for (const Case& c : {Case{"P m^1.6", "0.1 m^0.6000000000000001 kg s-1"},
+                          Case{"m^(1/3)", "m^(1/3)"}, Case{"m^(2/3) s^(5/7)", "m^(2/3) s^(5/7)"},
+                          Case{"m^0.4142", "m^0.4142"}, Case{"m^1e-5", "m^1e-05"}}) {
+        int tag = 0;
+        ASSERT_EQ(xunParseUnit(c.text, &tag), 1) << c.text << ": " << LastError();
+        EXPECT_EQ(Text(tag, XUN_NOTATION_CF), c.cf) << c.text;
+        for (int notation : {XUN_NOTATION_CF, XUN_NOTATION_ASCII, XUN_NOTATION_UNICODE}) {
+            const std::string text = Text(tag, notation);
+            int back = 0;
+            ASSERT_EQ(xunParseUnit(text.c_str(), &back), 1) << text << ": " << LastError();
+            EXPECT_EQ(back, tag) << c.text << " -> '" << text << "'";
+        }
+    }
+}
+
 TEST_F(UnitStrings, TextsOfTheThreeNotations) {
     const int discharge = Tag("UnitCubicMeterPerSecond");
     EXPECT_EQ(Text(discharge, XUN_NOTATION_CF), "m3 s-1");
