@@ -33,6 +33,13 @@ int main(void) {
         check(xunVersion() != NULL && xunVersion()[0] != '\0', "xunVersion");
         check(xunSetupCheck("/nonexistent/XUN.xml", NULL, NULL, NULL) == -1,
               "xunSetupCheck of a missing file");
+        check(xunParseUnit("m3 s-1", &tag) == 0 && tag == 0, "xunParseUnit with no units");
+        check(xunParseItemUnit(100, "m", &tag) == 0 && tag == 0 &&
+                  xunGetLastError(NULL) == XUN_ERR_UNKNOWN_ITEM_TYPE,
+              "xunParseItemUnit of an unknown item type");
+        check(xunGetUnitText(1000, XUN_NOTATION_CF, &message) == 0 &&
+                  xunGetLastError(NULL) == XUN_ERR_UNKNOWN_UNIT,
+              "xunGetUnitText of an unknown unit");
     }
     if (failures == 0)
         printf("c client: all checks passed\n");
