@@ -42,38 +42,7 @@ __attribute__((noinline)) void Release(void* p) {
 
 } // namespace
 
-// The replacement allocation functions of the whole test program (the
-// library's allocations included).
-void* operator new(std::size_t size) {
-    void* p = Allocate(size);
-    if (p == nullptr)
-        throw std::bad_alloc();
-    return p;
-}
-void* operator new[](std::size_t size) {
-    void* p = Allocate(size);
-    if (p == nullptr)
-        throw std::bad_alloc();
-    return p;
-}
-void* operator new(std::size_t size, const std::nothrow_t&) noexcept {
-    return Allocate(size);
-}
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept {
-    return Allocate(size);
-}
-void operator delete(void* p) noexcept {
-    Release(p);
-}
-void operator delete[](void* p) noexcept {
-    Release(p);
-}
-void operator delete(void* p, std::size_t) noexcept {
-    Release(p);
-}
-void operator delete[](void* p, std::size_t) noexcept {
-    Release(p);
-}
+#include "replaced_allocation.h"
 
 namespace {
 

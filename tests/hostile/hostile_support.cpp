@@ -5,6 +5,7 @@
 
 #include <unistd.h>
 
+#include "check_severity.h"
 #include "xun.h"
 
 namespace hostile {
@@ -35,23 +36,9 @@ std::string HostileTest::Write(const std::string& name, const std::string& text)
 
 namespace {
 
-const char* SeverityName(int severity) {
-    switch (severity) {
-    case XUN_CHECK_DROPPED:
-        return "dropped";
-    case XUN_CHECK_MESSAGE:
-        return "message";
-    case XUN_CHECK_FATAL:
-        return "FATAL";
-    case XUN_CHECK_WARNING:
-        return "warning";
-    }
-    return "?";
-}
-
 void Collect(void* user, const char*, int line, int severity, const char* message) {
     static_cast<CheckResult*>(user)->lines.push_back(std::to_string(line) + ": [" +
-                                                     SeverityName(severity) + "] " + message);
+                                                     CheckSeverityName(severity) + "] " + message);
 }
 
 } // namespace

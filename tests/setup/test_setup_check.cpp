@@ -17,6 +17,7 @@
 #include <unistd.h>
 
 #include "units/KVexpr.h"
+#include "check_severity.h"
 #include "xun.h"
 
 namespace {
@@ -24,20 +25,6 @@ namespace {
 std::string Data() {
     const char* root = std::getenv("XUN_TEST_DATA");
     return std::string(root != nullptr ? root : "tests/data");
-}
-
-const char* SeverityName(int severity) {
-    switch (severity) {
-    case XUN_CHECK_DROPPED:
-        return "dropped";
-    case XUN_CHECK_MESSAGE:
-        return "message";
-    case XUN_CHECK_FATAL:
-        return "FATAL";
-    case XUN_CHECK_WARNING:
-        return "warning";
-    }
-    return "?";
 }
 
 // The reports of one check, as "file-relative-to-data:line: [severity] message".
@@ -52,7 +39,7 @@ void Collect(void* user, const char* file, int line, int severity, const char* m
     if (name.compare(0, prefix.size(), prefix) == 0)
         name = name.substr(prefix.size());
     static_cast<Reports*>(user)->lines.push_back(name + ":" + std::to_string(line) + ": [" +
-                                                 SeverityName(severity) + "] " + message);
+                                                 CheckSeverityName(severity) + "] " + message);
 }
 
 Reports Check(const std::string& setup, const char* langDir = nullptr) {
