@@ -28,7 +28,7 @@ CKVitemType::CKVitemType(const std::string& keyText, long key, const std::string
 
 struct CKVitemType::AllowedIndex {
     CKVhashIndex<long, bool> keys;
-    CKVhashIndex<std::string_view, bool> idents; // views of the units' idents
+    CKVhashIndex<CKVhashedView, bool> idents; // views of the units' idents
 };
 
 void CKVitemType::AllowedIndexDelete::operator()(AllowedIndex* index) const {
@@ -56,10 +56,10 @@ bool CKVitemType::AllowUnit(const CKVunit& unit, bool atFront) {
             if (allowed == nullptr)
                 continue;
             m_allowed->keys.Set(allowed->m_lKey, true);
-            m_allowed->idents.Set(std::string_view(allowed->m_strIdent), true);
+            m_allowed->idents.Set(CKVhashedView(allowed->m_strIdent), true);
         }
         if (m_allowed->keys.Find(unit.m_lKey) != nullptr ||
-            m_allowed->idents.Find(std::string_view(unit.m_strIdent)) != nullptr)
+            m_allowed->idents.Find(CKVhashedView(unit.m_strIdent)) != nullptr)
             return false;
     }
     // Room first (the indexes have it already), so that a failure leaves
@@ -71,7 +71,7 @@ bool CKVitemType::AllowUnit(const CKVunit& unit, bool atFront) {
         m_lstUnits.push_back(&unit);
     if (m_allowed) {
         m_allowed->keys.Set(unit.m_lKey, true);
-        m_allowed->idents.Set(std::string_view(unit.m_strIdent), true);
+        m_allowed->idents.Set(CKVhashedView(unit.m_strIdent), true);
         m_nIndexed = m_lstUnits.size();
     }
     return true;

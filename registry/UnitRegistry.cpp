@@ -5,12 +5,13 @@
 #include <cmath>
 #include <cstring>
 #include <stdexcept>
-#include <unordered_map>
 
 #include "common/Contract.h"
 
+// A flat index: a registry of many units of distinct dimensions meets one
+// slot per new dimension rather than a bucket and a node.
 struct CKVunitRegistry::DimensionClasses {
-    std::unordered_map<DimensionKey, int, DimensionKeyHash> byKey;
+    CKVhashIndex<DimensionKey, int, DimensionKeyHash> byKey;
 };
 
 bool CKVunitRegistry::DimensionKey::operator==(const DimensionKey& other) const {
@@ -52,8 +53,11 @@ int CKVunitRegistry::DimensionClassOf(const CKVdimension& dim) {
         const double normal = power == 0.0 ? 0.0 : power;
         std::memcpy(&key.bits[i], &normal, sizeof normal);
     }
-    const int next = static_cast<int>(m_classes->byKey.size());
-    return m_classes->byKey.emplace(key, next).first->second;
+    if (const int* known = m_classes->byKey.Find(key))
+        return *known;
+    const int next = static_cast<int>(m_classes->byKey.Size());
+    m_classes->byKey.Set(key, next);
+    return next;
 }
 
 CKVunitKeyEntry CKVunitRegistry::EntryOf(const CKVunit& unit) {
@@ -78,13 +82,11 @@ bool CKVunitRegistry::Add(std::unique_ptr<CKVunit>& unit, bool atFront) {
         return false;
     // Everything that may fail comes before the unit goes in.
     const CKVunitKeyEntry entry = EntryOf(*unit);
-    m_entries.Reserve(m_entries.Size() + 1);
     std::unique_ptr<const CKVunit> owned(unit.release());
-    if (!m_table.Add(owned, atFront)) {
+    if (!m_table.Add(owned, atFront, entry)) {
         unit.reset(const_cast<CKVunit*>(owned.release()));
         return false;
     }
-    m_entries.Set(key, entry);
     if (m_table.Count() == 1 || key > m_largestKey)
         m_largestKey = key;
     Changed();
@@ -95,7 +97,6 @@ std::unique_ptr<CKVunit> CKVunitRegistry::Remove(const CKVunit* unit) {
     std::unique_ptr<const CKVunit> removed = m_table.Remove(unit);
     if (!removed)
         return nullptr;
-    m_entries.Erase(removed->m_lKey);
     // Only the base units of a load are ever removed, so finding the largest
     // key again (which takes a pass over the units) is rare.
     if (removed->m_lKey == m_largestKey && m_table.Count() > 0) {
@@ -133,8 +134,6 @@ bool CKVunitRegistry::NextRunTimeKey(long& key) const {
 
 void CKVunitRegistry::CheckInvariants() const {
     m_table.CheckInvariants("unit registry");
-    if (m_entries.Size() != m_table.Count())
-        throw std::logic_error("unit registry: the key entries and the units differ in number");
     bool largestFound = m_table.Count() == 0;
     for (const CKVunit* unit : m_table) {
         if (unit->m_lKey > m_largestKey)

@@ -4,7 +4,7 @@
 // A registered unit does not change any more, except for its description
 // and abbreviation (SetTexts: a second load, the language files): the
 // registry hands units out as const. What a conversion reads of a unit is
-// kept beside it in the key index (CKVunitKeyEntry), derived once when the
+// kept with it in the key index (CKVunitKeyEntry), derived once when the
 // unit is registered, so that a conversion reads one slot per unit.
 //
 // Lookups, walks and conversions only read: after loading, any number of
@@ -71,10 +71,16 @@ class CKVunitRegistry : public IUnitSet {
     // Replaces the description and abbreviation of a registered unit.
     void SetTexts(const CKVunit& unit, const std::string& desc, const std::string& abbr);
 
+    // Starts fetching what an Add of a unit of this key and ident reads
+    // first; the caller does other work (evaluating the unit) meanwhile.
+    void Prefetch(long key, std::string_view ident) const { m_table.Prefetch(key, ident); }
+    // The same for a lookup of key (FindByKey, FindEntry).
+    void PrefetchKey(long key) const { m_table.PrefetchKey(key); }
+
     const CKVunit* FindByKey(long key) const { return m_table.FindByKey(key); }
     const CKVunit* FindByIdent(std::string_view ident) const { return m_table.FindByIdent(ident); }
     // The key index entry of a unit; null for an unknown key.
-    const CKVunitKeyEntry* FindEntry(long key) const { return m_entries.Find(key); }
+    const CKVunitKeyEntry* FindEntry(long key) const { return m_table.FindExtra(key); }
 
     std::size_t Count() const { return m_table.Count(); }
     const CKVunit* At(std::size_t index) const { return m_table.At(index); }
@@ -118,8 +124,8 @@ class CKVunitRegistry : public IUnitSet {
 
     void Changed();
 
-    CKVtable<const CKVunit> m_table;
-    CKVhashIndex<long, CKVunitKeyEntry> m_entries;
+    // The units, each with its key entry in the same record of the key index.
+    CKVtable<const CKVunit, CKVunitKeyEntry> m_table;
     // The largest key registered (meaningless while the registry is empty).
     long m_largestKey = 0;
     // The dimension classes handed out: a dimension's exponents (as bit
