@@ -68,10 +68,25 @@ const CKVunit* xunFindItemUnitByName_(const CKVregistries& registries, const CKV
                 return found;
         return nullptr;
     }
-    const long count = static_cast<long>(item.m_lstUnits.size());
-    for (long i = 1; i <= count; ++i)
+    // A long list is mostly outside the caches: each step asks for the key
+    // and the description of the unit two strides ahead and for the key slot of the unit one stride
+    // ahead (whose object the step before asked for), so that the scan runs at the speed of memory
+    // rather than waiting on each unit in turn.
+    const std::vector<const CKVunit*>& list = item.m_lstUnits;
+    const long count = static_cast<long>(list.size());
+    const long kAhead = 8;
+    for (long i = 1; i <= count; ++i) {
+        if (i + 2 * kAhead <= count)
+            if (const CKVunit* ahead = list[static_cast<size_t>(i - 1 + 2 * kAhead)]) {
+                __builtin_prefetch(&ahead->m_lKey);
+                __builtin_prefetch(&ahead->m_strDesc);
+            }
+        if (i + kAhead <= count)
+            if (const CKVunit* ahead = list[static_cast<size_t>(i - 1 + kAhead)])
+                registries.units.PrefetchKey(ahead->m_lKey);
         if (const CKVunit* found = match(item.GetUnit(i)))
             return found;
+    }
     return nullptr;
 }
 
@@ -81,25 +96,27 @@ const CKVunit* xunBaseUnitOf_(const CKVunitRegistry& units, const CKVdimension& 
 
 namespace {
 
-// The unit that the calling thread's last step of a walk handed out, and the
-// registry and generation it was found in.
+// The unit that the calling thread's last step of a walk handed out, its
+// index, and the registry and generation it was found in.
 struct WalkMemory {
     const CKVunitRegistry* registry = nullptr;
     unsigned long long generation = 0;
     const CKVunit* unit = nullptr;
+    size_t index = 0;
 
-    // The remembered unit when prevTag is the int tag it was handed out as
-    // and the registry has not changed since; null otherwise.
-    const CKVunit* Previous(const CKVunitRegistry& units, long prevTag) const {
+    // Whether prevTag is the int tag of the remembered unit and the registry
+    // has not changed since (so that the unit is still at its index).
+    bool Holds(const CKVunitRegistry& units, long prevTag) const {
         if (unit == nullptr || registry != &units || generation != units.Generation())
-            return nullptr;
-        return static_cast<long>(static_cast<int>(unit->m_lKey)) == prevTag ? unit : nullptr;
+            return false;
+        return static_cast<long>(static_cast<int>(unit->m_lKey)) == prevTag;
     }
-    // Remembers what a step hands out, or (null) forgets.
-    void Step(const CKVunitRegistry& units, const CKVunit* handedOut) {
+    // Remembers what a step hands out (the unit at index), or (null) forgets.
+    void Step(const CKVunitRegistry& units, const CKVunit* handedOut, size_t at) {
         registry = &units;
         generation = units.Generation();
         unit = handedOut;
+        index = at;
     }
 };
 
@@ -107,11 +124,11 @@ thread_local WalkMemory NextUnitWalk_;
 thread_local WalkMemory NextEqvUnitWalk_;
 
 // Where a walk goes on: index 0 for prevTag 0, else the index after the
-// unit of prevTag (the remembered unit when prevTag is its tag); npos when
-// prevTag names no unit.
+// unit of prevTag (the remembered unit when prevTag is its tag: no lookup at
+// all); npos when prevTag names no unit.
 size_t WalkStart(const CKVunitRegistry& units, long prevTag, const WalkMemory& memory) {
-    if (const CKVunit* previous = memory.Previous(units, prevTag))
-        return units.IndexOf(previous) + 1;
+    if (memory.Holds(units, prevTag))
+        return memory.index + 1;
     if (prevTag == 0)
         return 0;
     const CKVunit* previous = units.FindByKey(prevTag);
@@ -125,18 +142,19 @@ size_t WalkStart(const CKVunitRegistry& units, long prevTag, const WalkMemory& m
 int xunNextUnit_(const CKVunitRegistry& units, long prevTag, const CKVunit*& next) {
     const size_t index = WalkStart(units, prevTag, NextUnitWalk_);
     if (index == CKVunitRegistry::npos || index >= units.Count() || units.At(index)->m_lKey == 0) {
-        NextUnitWalk_.Step(units, nullptr);
+        NextUnitWalk_.Step(units, nullptr, 0);
         return index == CKVunitRegistry::npos ? XUN_ERR_UNKNOWN_UNIT : XUN_ERR_END;
     }
     next = units.At(index);
-    NextUnitWalk_.Step(units, next);
+    NextUnitWalk_.Step(units, next, index);
     return XUN_OK;
 }
 
 namespace {
 
+// The next unit of reference's dimension after prevTag, and its index.
 int NextEqvUnit(const CKVunitRegistry& units, const CKVunit& reference, long prevTag,
-                const CKVunit*& next) {
+                const CKVunit*& next, size_t& nextIndex) {
     size_t index = WalkStart(units, prevTag, NextEqvUnitWalk_);
     if (index == CKVunitRegistry::npos)
         return XUN_ERR_UNKNOWN_UNIT;
@@ -147,7 +165,17 @@ int NextEqvUnit(const CKVunitRegistry& units, const CKVunit& reference, long pre
     const CKVunitKeyEntry* ref = units.FindEntry(reference.m_lKey);
     const int refClass =
         ref != nullptr && ref->unit == &reference ? ref->dimensionClass : kUncheckedUnit;
-    for (; index < units.Count(); ++index) {
+    // A unit's class is in its key entry, a slot of the key index apart from
+    // the unit: the scan asks for the key of the unit two strides ahead and
+    // for the key entry of the unit one stride ahead, so that it does not
+    // wait on memory in a large registry.
+    const size_t kAhead = 8;
+    const size_t count = units.Count();
+    for (; index < count; ++index) {
+        if (index + 2 * kAhead < count)
+            __builtin_prefetch(&units.At(index + 2 * kAhead)->m_lKey);
+        if (index + kAhead < count)
+            units.PrefetchKey(units.At(index + kAhead)->m_lKey);
         const CKVunit* unit = units.At(index);
         const int unitClass = units.FindEntry(unit->m_lKey)->dimensionClass;
         bool eqv = false;
@@ -157,6 +185,7 @@ int NextEqvUnit(const CKVunitRegistry& units, const CKVunit& reference, long pre
             eqv = refClass == unitClass;
         if (eqv && unit->m_lKey != 0) {
             next = unit;
+            nextIndex = index;
             return XUN_OK;
         }
     }
@@ -167,8 +196,9 @@ int NextEqvUnit(const CKVunitRegistry& units, const CKVunit& reference, long pre
 
 int xunNextEqvUnit_(const CKVunitRegistry& units, const CKVunit& reference, long prevTag,
                     const CKVunit*& next) {
-    const int result = NextEqvUnit(units, reference, prevTag, next);
-    NextEqvUnitWalk_.Step(units, result == XUN_OK ? next : nullptr);
+    size_t index = 0;
+    const int result = NextEqvUnit(units, reference, prevTag, next, index);
+    NextEqvUnitWalk_.Step(units, result == XUN_OK ? next : nullptr, index);
     return result;
 }
 
@@ -176,6 +206,9 @@ int xunCreateUnit_(CKVunitRegistry& units, const std::string& ident, const std::
                    const std::string& abbr, const std::string& expression) {
     long key = 0;
     const bool keyLeft = units.NextRunTimeKey(key);
+    // The index slots of the new unit are far apart in a large registry: let
+    // them come from memory while the expression is evaluated.
+    units.Prefetch(key, ident);
     CKVunit* rawUnit = nullptr;
     double* rawValue = nullptr;
     const bool ok = xunEvaluateExpression_(expression.c_str(), units, &rawUnit, &rawValue);

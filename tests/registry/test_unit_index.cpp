@@ -88,6 +88,73 @@ TEST(HashIndex, StringKeysAreFoundByView) {
     EXPECT_EQ(*index.Find(std::string_view("")), 7);
 }
 
+TEST(HashIndex, LargeIndexesOnHugePagesAgreeWithAMap) {
+    // 300,000 entries of 16 bytes take 8 MiB of slots, which come from the
+    // huge-page allocation; the index grows through both kinds of array,
+    // shrinks by removal and is copied.
+    CKVhashIndex<long, long> index;
+    std::map<long, long> model;
+    std::mt19937_64 random(11);
+    for (long i = 0; i < 300000; ++i) {
+        const long key = static_cast<long>(random() % 1000000) - 500000;
+        index.Set(key, i);
+        model[key] = i;
+    }
+    for (long key = -500000; key < 500000; key += 3) {
+        if (random() % 2 == 0) {
+            index.Erase(key);
+            model.erase(key);
+        }
+    }
+    ASSERT_EQ(index.Size(), model.size());
+    const CKVhashIndex<long, long> copy = index;
+    for (long key = -500001; key <= 500001; ++key) {
+        const long* found = copy.Find(key);
+        const auto it = model.find(key);
+        ASSERT_EQ(found != nullptr, it != model.end()) << key;
+        if (found != nullptr) {
+            ASSERT_EQ(*found, it->second) << key;
+        }
+    }
+}
+
+TEST(HashIndex, HashedViewsCompareTheirTextsWhenTheHashesAgree) {
+    const CKVhashedView a(std::string_view("UnitMeter"));
+    CKVhashedView b(std::string_view("UnitFoot"));
+    EXPECT_FALSE(a == b);
+    b.hash = a.hash; // two texts of one hash are still two keys
+    EXPECT_FALSE(a == b);
+    const std::string copy = "UnitMeter";
+    EXPECT_TRUE(a == CKVhashedView(copy));
+
+    std::vector<std::string> texts;
+    for (int i = 0; i < 5000; ++i)
+        texts.push_back("u" + std::to_string(i * 7919 % 10007));
+    CKVhashIndex<CKVhashedView, int> index;
+    std::map<std::string, int> model;
+    for (size_t i = 0; i < texts.size(); ++i) {
+        if (i % 5 == 4) {
+            index.Erase(CKVhashedView(texts[i - 2]));
+            model.erase(texts[i - 2]);
+        } else {
+            index.Set(CKVhashedView(texts[i]), static_cast<int>(i));
+            model[texts[i]] = static_cast<int>(i);
+        }
+    }
+    ASSERT_EQ(index.Size(), model.size());
+    for (const std::string& text : texts) {
+        // Found through a view of another copy of the text.
+        const std::string other(text);
+        const int* found = index.Find(CKVhashedView(other));
+        const auto it = model.find(text);
+        ASSERT_EQ(found != nullptr, it != model.end()) << text;
+        if (found != nullptr) {
+            ASSERT_EQ(*found, it->second) << text;
+        }
+    }
+    EXPECT_EQ(index.Find(CKVhashedView(std::string_view("u"))), nullptr);
+}
+
 TEST(HashIndex, EmptyIndexFindsNothing) {
     CKVhashIndex<long, int> index;
     EXPECT_EQ(index.Find(0L), nullptr);
@@ -258,6 +325,38 @@ TEST(UnitIndex, FullWalksVisitEveryUnitOnce) {
     }
     EXPECT_EQ(visited, expected);
     EXPECT_EQ(xunGetLastError(nullptr), XUN_ERR_END);
+}
+
+TEST(UnitIndex, AWalkGoesOnRightAfterTheUnitsChange) {
+    // A walk remembers where its last unit stood; a unit added in front of
+    // it, or one taken out before it, moves it, and the next step must find
+    // it again.
+    for (int i = 0; i < 6; ++i) {
+        auto* unit = new CKVunit("d" + std::to_string(i), "a", 1000 + i, 1.0, 0.0,
+                                 CKVdimension::GetLength());
+        unit->m_strIdent = "i" + std::to_string(i);
+        ASSERT_EQ(xuntest::AddUnit(unit, 0), 1);
+    }
+    int tag = 0, eqv = 0;
+    const char* key = nullptr;
+    ASSERT_EQ(xunGetNextUnit(1001, &tag, &key), 1);
+    ASSERT_EQ(tag, 1002);
+    ASSERT_EQ(xunGetNextEqvUnit(1000, 1001, &eqv, &key), 1);
+    ASSERT_EQ(eqv, 1002);
+    auto* front = new CKVunit("front", "f", 999, 1.0, 0.0, CKVdimension::GetLength());
+    front->m_strIdent = "front";
+    ASSERT_EQ(xuntest::AddUnit(front, 1), 1);
+    ASSERT_EQ(xunGetNextUnit(1002, &tag, &key), 1);
+    EXPECT_EQ(tag, 1003);
+    ASSERT_EQ(xunGetNextEqvUnit(1000, 1002, &eqv, &key), 1);
+    EXPECT_EQ(eqv, 1003);
+    ASSERT_NE(xuntest::Registries().units.Remove(xuntest::UnitByKey(1000)), nullptr);
+    ASSERT_NE(xuntest::Registries().units.Remove(xuntest::UnitByKey(999)), nullptr);
+    ASSERT_EQ(xunGetNextUnit(1003, &tag, &key), 1);
+    EXPECT_EQ(tag, 1004);
+    ASSERT_EQ(xunGetNextEqvUnit(1001, 1003, &eqv, &key), 1);
+    EXPECT_EQ(eqv, 1004);
+    EXPECT_EQ(xuntest::BrokenInvariant(), "");
 }
 
 TEST(UnitIndex, MissedLookupsChangeNothing) {
