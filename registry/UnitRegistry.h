@@ -65,7 +65,8 @@ class CKVunitRegistry : public IUnitSet {
     bool Add(std::unique_ptr<CKVunit>& unit, bool atFront);
 
     // Takes a registered unit out and hands it back (null when it is not
-    // registered).
+    // registered). The unit must be alive, registered or not: its key is
+    // read.
     std::unique_ptr<CKVunit> Remove(const CKVunit* unit);
 
     // Replaces the description and abbreviation of a registered unit.

@@ -258,7 +258,9 @@ void RunRandomRegistry(uint64_t start, int steps) {
             model.list.erase(model.list.begin() + static_cast<long>(index));
             model.byKey.erase(unit->m_lKey);
             model.byIdent.erase(unit->m_strIdent);
-            ASSERT_NE(units.Remove(unit), nullptr);
+            const std::unique_ptr<CKVunit> removed = units.Remove(unit);
+            ASSERT_NE(removed, nullptr);
+            // Taken out but alive: not found again.
             ASSERT_EQ(units.Remove(unit), nullptr);
         } else if (action < 70) {
             const int prevTag = static_cast<int>(random() % 10 == 0 ? 0 : random() % 420) - 20;
