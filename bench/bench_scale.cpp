@@ -148,21 +148,29 @@ void UnitNew(benchmark::State& state) {
     Ratio(state, n);
 }
 
+// Times query over a cold cache: each iteration evicts the caches first
+// (not timed).
+template <class Query> void TimedCold(benchmark::State& state, Query query) {
+    for (auto _ : state) {
+        state.PauseTiming();
+        EvictCaches();
+        state.ResumeTiming();
+        query();
+    }
+}
+
 void ItemSeq(benchmark::State& state) {
     const long n = state.range(0);
     StartSmall();
     AddItemTypes(n);
     long sum = 0;
-    for (auto _ : state) {
-        state.PauseTiming();
-        EvictCaches();
-        state.ResumeTiming();
+    TimedCold(state, [&] {
         int key = 0;
         const char* text = nullptr;
         for (int seq = 1; xunGetItemTypeSeq(seq, &key, &text); ++seq)
             sum += key;
         benchmark::DoNotOptimize(sum);
-    }
+    });
     Ratio(state, n);
 }
 
@@ -171,10 +179,7 @@ void FilteredSeq(benchmark::State& state) {
     StartSmall();
     AddItemTypes(n);
     long sum = 0;
-    for (auto _ : state) {
-        state.PauseTiming();
-        EvictCaches();
-        state.ResumeTiming();
+    TimedCold(state, [&] {
         int key = 0;
         const char* text = nullptr;
         const int count = xunGetFilteredItemTypeCount(1);
@@ -182,7 +187,7 @@ void FilteredSeq(benchmark::State& state) {
             if (xunGetFilteredItemTypeSeq(1, seq, &key, &text))
                 sum += key;
         benchmark::DoNotOptimize(sum);
-    }
+    });
     Ratio(state, n);
 }
 
@@ -208,15 +213,12 @@ void ItemUnitName(benchmark::State& state) {
         if (!xunAddItemUnit(100, 100000 + static_cast<int>(k) - 1))
             std::abort();
     const std::string last = "s" + std::to_string(n - 1);
-    for (auto _ : state) {
-        state.PauseTiming();
-        EvictCaches();
-        state.ResumeTiming();
+    TimedCold(state, [&] {
         int tag = 0;
         if (!xunGetItemUnitTag(100, last.c_str(), &tag) || xunGetItemUnitTag(100, "none", &tag))
             std::abort();
         benchmark::DoNotOptimize(tag);
-    }
+    });
     Ratio(state, n);
 }
 

@@ -39,6 +39,10 @@ bool CKVitemType::AllowUnit(const CKVunit& unit, bool atFront) {
     // An item type without a dimension accepts no unit at all.
     const bool bOk = m_pDimension != nullptr && unit.IsEqv(*m_pDimension);
     XUN_ASSERT(bOk, kAllowUnitDimension);
+    // The unit's ident with its hash, for the indexes (hashed once).
+    const CKVhashedView ident = m_allowed || m_lstUnits.size() >= kIndexFrom
+                                    ? CKVhashedView(unit.m_strIdent)
+                                    : CKVhashedView();
     if (m_lstUnits.size() < kIndexFrom) {
         for (const CKVunit* allowed : m_lstUnits) {
             if (allowed == nullptr)
@@ -59,7 +63,7 @@ bool CKVitemType::AllowUnit(const CKVunit& unit, bool atFront) {
             m_allowed->idents.Set(CKVhashedView(allowed->m_strIdent), true);
         }
         if (m_allowed->keys.Find(unit.m_lKey) != nullptr ||
-            m_allowed->idents.Find(CKVhashedView(unit.m_strIdent)) != nullptr)
+            m_allowed->idents.Find(ident) != nullptr)
             return false;
     }
     // Room first (the indexes have it already), so that a failure leaves
@@ -71,7 +75,7 @@ bool CKVitemType::AllowUnit(const CKVunit& unit, bool atFront) {
         m_lstUnits.push_back(&unit);
     if (m_allowed) {
         m_allowed->keys.Set(unit.m_lKey, true);
-        m_allowed->idents.Set(CKVhashedView(unit.m_strIdent), true);
+        m_allowed->idents.Set(ident, true);
         m_nIndexed = m_lstUnits.size();
     }
     return true;
