@@ -28,7 +28,7 @@ enum class XunOutcome {
 struct XunLoadEvent {
     XunOutcome outcome;
     const std::string& file;
-    long line; // 0: the file as a whole
+    long line;                     // 0: the file as a whole
     const std::string& message;    // what and why, in words
     const XunAssertion* assertion; // Fatal: the assertion that ends the process
     const std::string* printed;    // Message: the text the load prints
@@ -74,16 +74,18 @@ class CXunLoadReport {
 
     // The number of Fatal outcomes reported so far.
     int FatalCount() const { return m_fatalCount; }
+    // The number of messages so far (printed, in a load).
+    int MessageCount() const { return m_messageCount; }
 
   private:
     void Tell(XunOutcome outcome, const std::string& file, long line, const std::string& message,
               const XunAssertion* assertion, const std::string* printed = nullptr) {
         if (m_observer != nullptr)
-            m_observer->OnLoadEvent(
-                XunLoadEvent{outcome, file, line, message, assertion, printed});
+            m_observer->OnLoadEvent(XunLoadEvent{outcome, file, line, message, assertion, printed});
     }
 
     IXunLoadObserver* m_observer;
     bool m_checkOnly;
     int m_fatalCount = 0;
+    int m_messageCount = 0;
 };

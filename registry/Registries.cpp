@@ -14,6 +14,12 @@ void xunResetRegistries_() {
     delete old;
 }
 
+void xunReplaceRegistries_(std::unique_ptr<CKVregistries> registries) {
+    CKVregistries* old = xunRegistriesInstance_;
+    xunRegistriesInstance_ = registries.release();
+    delete old;
+}
+
 bool bEvaluateExpression(const char* expr, CKVunit** unit, double** value) {
     return xunEvaluateExpression_(expr, xunRegistries_().units, unit, value);
 }

@@ -45,5 +45,9 @@ inline CKVregistries& xunRegistries_() {
 // registry in one process; texts handed out before become invalid.
 void xunResetRegistries_();
 
+// Makes registries the process-wide registry and frees the old one with
+// everything it holds (a load taken from the cache, into an empty registry).
+void xunReplaceRegistries_(std::unique_ptr<CKVregistries> registries);
+
 // The expression evaluator over the units of the process-wide registry is
 // bEvaluateExpression (units/KVexpr.h), defined with the registry.

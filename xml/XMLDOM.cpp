@@ -570,6 +570,7 @@ IXMLDOMDocument::CLocalEntityResolver::resolveEntity(xercesc::XMLResourceIdentif
         return nullptr;
     }
     // The bytes of each file read count once towards the document's bounds.
+    ++m_filesRead;
     m_bounds.AddFile(source.path, bytes.size());
     m_memory.Raise(m_bounds.MemoryLimit());
     return new CBytesInputSource(source.systemId.c_str(), std::move(bytes));
@@ -618,6 +619,7 @@ bool IXMLDOMDocument::load(const CString& fileName) {
         }
         m_bounds.Start(bytes.size());
         m_entityResolver.m_firstFailure.clear();
+        m_entityResolver.m_filesRead = 0;
         m_parser.setValidationScheme(xercesc::XercesDOMParser::Val_Always);
         m_parser.setDoNamespaces(true);
         m_errorCounter.resetErrors();

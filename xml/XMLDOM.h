@@ -389,6 +389,9 @@ class IXMLDOMDocument : public CSmartPtrAble {
     // unknown): for reports about a file a load refuses.
     const CString& FirstError() const { return m_failureText; }
     long FirstErrorLine() const { return m_failureLine; }
+    // The external files (DTDs, entities) the last load read besides the
+    // document itself.
+    std::size_t ExternalFilesRead() const { return m_entityResolver.m_filesRead; }
 
   private:
     // Reads external DTDs and external entities from local files only. The
@@ -408,6 +411,7 @@ class IXMLDOMDocument : public CSmartPtrAble {
             : m_bounds(bounds), m_memory(memory) {}
         xercesc::InputSource* resolveEntity(xercesc::XMLResourceIdentifier* resource) override;
         std::string m_firstFailure;
+        std::size_t m_filesRead = 0;
 
       private:
         CParseBounds& m_bounds;
