@@ -11,9 +11,8 @@ extern "C" {
 
 int xunSetupLoad(const char* path) {
     return Guard("xunSetupLoad", 0, [&] {
-        CXunLoadReport report;
         std::string fileName, refusal;
-        if (!xunLoadSetupFile_(Registries(), path, report, fileName, &refusal)) {
+        if (!xunLoadProcessSetupFile_(path, fileName, &refusal)) {
             if (!refusal.empty())
                 return xunFail_(XUN_ERR_LIMIT, "xunSetupLoad: the setup file '%s' is refused: %s",
                                 fileName.c_str(), refusal.c_str());

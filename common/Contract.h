@@ -130,6 +130,9 @@ inline constexpr double kUnitStringMaxExponent = 100;
 inline constexpr std::size_t kUnitStringMaxNumberLength = 64;
 inline constexpr std::size_t kUnitStringCacheEntries = 4096;
 inline constexpr std::size_t kUnitStringCacheBytes = 1 << 20;
+// The load cache (setup/LoadCache.h) keeps at most this many entries; the
+// oldest go when a new one comes.
+inline constexpr std::size_t kLoadCacheEntries = 64;
 
 } // namespace contract
 } // namespace xun

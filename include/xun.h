@@ -248,7 +248,13 @@ XUN_API void xunWriteItemTypeIncludes(void);
    An empty text (or NULL) selects $KORVANE_HOME/bin/XUN.xml. Records
    XUN_ERR_FILE when the setup file cannot be loaded. Problems in the files
    are printed, or end the process, as designed: xunSetupCheck finds them
-   beforehand. */
+   beforehand.
+   A load of a setup file into the empty registry of a process that printed
+   nothing is remembered in the load cache (XUN_CACHE_DIR, else
+   $XDG_CACHE_HOME/libxun, else $HOME/.cache/libxun; XUN_CACHE_DIR "off"
+   turns it off); a later process that loads the same bytes under the same
+   locale takes the registry from there, with the same effects, instead of
+   parsing the XML again. */
 XUN_API void xunLoadItemTypeTables(const char* path);
 /* 1 when the setup file was loaded (NULL or "": the default file). */
 XUN_API int xunSetupLoad(const char* path);

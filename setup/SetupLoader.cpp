@@ -27,6 +27,7 @@
 #include "SmartPtr"
 #include "common/Assert.h"
 #include "setup/IncludeNames.h"
+#include "setup/LoadCache.h"
 #include "setup/Installation.h"
 #include "units/KVexpr.h"
 #include "xml/CString.h"
@@ -141,6 +142,9 @@ class SetupLoader {
     // Why the document was refused when it passed a bound of the XML layer;
     // empty otherwise.
     const std::string& Refusal() const { return m_refusal; }
+    std::size_t ExternalFilesRead() const {
+        return m_document ? m_document->ExternalFilesRead() : 0;
+    }
 
   private:
     long LineOf(const NodePtr& node) const {
@@ -771,6 +775,10 @@ void SetupLoader::ReportIncludeNames(const Registry& registry, const char* kind,
 // crashing inside the parser.
 enum class ParserState { Untried, Ready, Broken };
 std::atomic<ParserState> ParserState_{ParserState::Untried};
+// The character-set environment (xunCharacterSetEnvironment_) when this
+// library first initialised the parser: the parser converts texts into the
+// character set it found then, for the rest of the process.
+std::string ParserCharacterSet_;
 
 // What the parser library calls when it cannot go on (for example when
 // memory runs out while it initialises). Its own handler would end the
@@ -792,6 +800,8 @@ void InitializeParser(CXunLoadReport& report, const std::string& file) {
         xercesc::XMLPlatformUtils::Initialize(xercesc::XMLUni::fgXercescDefaultLocale, nullptr,
                                               &panicHandler,
                                               xercesc::XMLPlatformUtils::fgMemoryManager);
+        if (ParserState_.load() == ParserState::Untried)
+            ParserCharacterSet_ = xunCharacterSetEnvironment_();
         ParserState_.store(ParserState::Ready);
     } catch (const xercesc::XMLException&) {
         report.Message(stdout, "Error initializing Xerces\n", file, 0,
@@ -868,10 +878,16 @@ int SetupLoader::Run() {
 
 } // namespace
 
+std::string xunSetupFileName_(const char* path) {
+    return (path != nullptr && path[0] != '\0') ? std::string(path)
+                                                : xunInstallDir_() + "XUN" + ".xml";
+}
+
 int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadReport& report,
-                      std::string& fileName, std::string* refusal) {
-    fileName = (path != nullptr && path[0] != '\0') ? std::string(path)
-                                                    : xunInstallDir_() + "XUN" + ".xml";
+                      std::string& fileName, std::string* refusal, std::size_t* externalFiles) {
+    fileName = xunSetupFileName_(path);
+    if (externalFiles != nullptr)
+        *externalFiles = 0;
     // The numeric locale of the host, restored after a successful load (and
     // after a check in every case).
     const char* current = std::setlocale(LC_NUMERIC, nullptr);
@@ -905,6 +921,8 @@ int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadRepor
         result = loader.Run();
         if (refusal != nullptr)
             *refusal = loader.Refusal();
+        if (externalFiles != nullptr)
+            *externalFiles = loader.ExternalFilesRead();
     } catch (const xercesc::XMLException&) {
         result = 0;
     } catch (const xercesc::OutOfMemoryException&) {
@@ -915,4 +933,64 @@ int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadRepor
     xunCopyPath_(szDocName, fileName.c_str());
     std::setlocale(LC_NUMERIC, savedLocale.c_str());
     return 1;
+}
+
+namespace {
+
+// A load of fileName taken from the cache, with what a load that parses
+// does besides filling the registry: the XML parser library is initialised
+// (with the numeric locale "C", as a parse does it, and failing as it would
+// fail there), szDocName names the file and the evaluator's decimal symbol
+// is what that load left. False (nothing changed but the parser's
+// initialisation) when the cache has no entry.
+bool LoadFromCache(const CXunLoadCache& cache, const std::string& fileName) {
+    const char* current = std::setlocale(LC_NUMERIC, nullptr);
+    const std::string savedLocale = current != nullptr ? current : "C";
+    std::setlocale(LC_NUMERIC, "C");
+    // Quiet: when the parser cannot be initialised, the parse that follows
+    // says so.
+    CXunLoadReport quiet(nullptr, true);
+    InitializeParser(quiet, fileName);
+    std::unique_ptr<CKVregistries> cached;
+    char symbol = szDecimalSymbol;
+    if (quiet.MessageCount() == 0 && ParserState_.load() == ParserState::Ready)
+        cached = cache.Find(symbol);
+    std::setlocale(LC_NUMERIC, savedLocale.c_str());
+    if (!cached)
+        return false;
+    xunReplaceRegistries_(std::move(cached));
+    szDecimalSymbol = symbol;
+    xunCopyPath_(szDocName, fileName.c_str());
+    return true;
+}
+
+} // namespace
+
+int xunLoadProcessSetupFile_(const char* path, std::string& fileName, std::string* refusal) {
+    fileName = xunSetupFileName_(path);
+    CKVregistries& registries = xunRegistries_();
+    // The cache holds what a load put into an empty registry; the character
+    // set the parser converts texts into is part of the key: the one it was
+    // initialised with, or (not yet initialised) the one it will be.
+    CXunLoadCache cache;
+    const bool cacheable =
+        registries.units.Count() == 0 && registries.itemTypes.Count() == 0 &&
+        registries.filters.Count() == 0 && ParserState_.load() != ParserState::Broken &&
+        cache.Prepare(fileName,
+                      ParserState_.load() == ParserState::Ready ? ParserCharacterSet_
+                                                                : xunCharacterSetEnvironment_(),
+                      szDecimalSymbol);
+    xunSetLastLoadWasCached_(false);
+    if (cacheable && LoadFromCache(cache, fileName)) {
+        xunSetLastLoadWasCached_(true);
+        return 1;
+    }
+    CXunLoadReport report;
+    std::size_t externalFiles = 0;
+    const int result =
+        xunLoadSetupFile_(xunRegistries_(), path, report, fileName, refusal, &externalFiles);
+    if (cacheable && result == 1 && report.MessageCount() == 0 && externalFiles == 0 &&
+        cache.Unchanged())
+        cache.Store(xunRegistries_(), szDecimalSymbol);
+    return result;
 }

@@ -8,6 +8,7 @@
 // either (common/LoadReport.h).
 #pragma once
 
+#include <cstddef>
 #include <string>
 
 #include "common/LoadReport.h"
@@ -23,5 +24,17 @@
 // because it passes a bound of the XML layer (common/Contract.h: entity
 // expansion, text, memory, nesting, attributes), refusal (if given)
 // receives why; it is left empty otherwise.
+// externalFiles (if given) receives the number of external DTDs and
+// entities the document made the load read.
 int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadReport& report,
-                      std::string& fileName, std::string* refusal = nullptr);
+                      std::string& fileName, std::string* refusal = nullptr,
+                      std::size_t* externalFiles = nullptr);
+
+// The setup file a load of path reads: path, or (null or empty)
+// $KORVANE_HOME/bin/XUN.xml.
+std::string xunSetupFileName_(const char* path);
+
+// xunSetupLoad: loads path into the process-wide registry as
+// xunLoadSetupFile_ does (printing as designed), through the load cache
+// (setup/LoadCache.h) when the registry is empty.
+int xunLoadProcessSetupFile_(const char* path, std::string& fileName, std::string* refusal);
