@@ -83,6 +83,9 @@ void xunFuzzFail(const char* what) {
 
 void xunFuzzInit() {
     xunSetAssertHook_(&ThrowingAssertHook);
+    // Every input loads from its own bytes: the load cache would store
+    // thousands of entries and take later loads of an input from them.
+    setenv("XUN_CACHE_DIR", "off", 1);
     char pattern[] = "/tmp/xun-fuzz-XXXXXX";
     if (mkdtemp(pattern) == nullptr)
         xunFuzzFail("cannot create a temporary directory");

@@ -5,7 +5,7 @@
 # AddressSanitizer and UndefinedBehaviorSanitizer) in build-fuzz/ when needed,
 # then runs each target for SECONDS (default 60) on a copy of its starting
 # corpus fuzz/corpus/<target>/, one after the other. Targets: expr, xpath,
-# langfile, keyword, setup, parse (default: all of them).
+# langfile, keyword, setup, parse, cache (default: all of them).
 #
 # Prints the executions and the coverage of each target from libFuzzer's
 # final statistics and exits non-zero when any target found a crash, a leak,
@@ -22,7 +22,7 @@ seconds=${1:-60}
 if [ $# -gt 0 ]; then shift; fi
 targets=("$@")
 if [ ${#targets[@]} -eq 0 ]; then
-  targets=(expr xpath langfile keyword setup parse)
+  targets=(expr xpath langfile keyword setup parse cache)
 fi
 case $seconds in
   '' | *[!0-9]*) echo "usage: fuzz/run.sh [SECONDS] [TARGET...]" >&2; exit 2 ;;
