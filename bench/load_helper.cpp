@@ -1,7 +1,9 @@
 // xun-bench-load MODE DATADIR: times one load in this fresh process and
 // prints the nanoseconds it took on standard output (exit status 0), or
 // reports what failed on standard error (exit status 1).
-//   xun      xunLoadItemTypeTables("") with KORVANE_HOME = DATADIR
+//   xun      xunLoadItemTypeTables("") with KORVANE_HOME = DATADIR, through
+//            the load cache as the environment sets it (XUN_CACHE_DIR)
+//   xun-parse  the same with the load cache off: the XML is parsed
 //   xerces   the XML parser's initialisation alone
 //   udunits  ut_read_xml(NULL), UDUNITS-2's default database
 #include <chrono>
@@ -29,12 +31,14 @@ long long Nanoseconds(Clock::time_point start, Clock::time_point end) {
 
 int main(int argc, char** argv) {
     if (argc != 3) {
-        std::fprintf(stderr, "usage: %s xun|xerces|udunits DATADIR\n", argv[0]);
+        std::fprintf(stderr, "usage: %s xun|xun-parse|xerces|udunits DATADIR\n", argv[0]);
         return 1;
     }
     const char* mode = argv[1];
     long long ns = -1;
-    if (std::strcmp(mode, "xun") == 0) {
+    if (std::strcmp(mode, "xun") == 0 || std::strcmp(mode, "xun-parse") == 0) {
+        if (std::strcmp(mode, "xun-parse") == 0)
+            setenv("XUN_CACHE_DIR", "off", 1);
         setenv("KORVANE_HOME", argv[2], 1);
         const Clock::time_point start = Clock::now();
         xunLoadItemTypeTables("");
