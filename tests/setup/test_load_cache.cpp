@@ -283,6 +283,9 @@ TEST_F(LoadCache, TheLocaleOfTheTextsIsPartOfTheKey) {
 }
 
 TEST_F(LoadCache, TheDecimalSymbolIsPartOfTheKey) {
+    if (std::setlocale(LC_NUMERIC, "de_DE.UTF-8") == nullptr)
+        GTEST_SKIP() << "no German locale (set LOCPATH to the build's locale folder)";
+    std::setlocale(LC_NUMERIC, "C");
     // A setup file without decimal numbers, which loads whatever the
     // evaluator's decimal symbol.
     WriteFile(Setup(),
@@ -371,6 +374,14 @@ TEST_F(LoadCache, OnlyCleanLoadsIntoAnEmptyRegistryAreStored) {
     LoadInChild(m_home, "");
     LoadInChild(m_home, "off");
     EXPECT_TRUE(Entries(m_cache).empty());
+    // A folder that cannot be made (below a regular file): the load goes on
+    // as if there were no cache.
+    const std::string parsedHere = Parsed();
+    const std::string blocked = m_root + "/file";
+    WriteFile(blocked, "x");
+    const Child unwritable = LoadInChild(m_home, blocked + "/cache");
+    EXPECT_FALSE(unwritable.cached);
+    EXPECT_EQ(unwritable.dump, parsedHere);
     // A document that names an external DTD.
     std::string external = text;
     const size_t doctype = external.find("<!DOCTYPE XUN [");
