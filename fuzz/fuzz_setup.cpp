@@ -3,15 +3,19 @@
 // document that loads without an assertion is loaded a second time (the
 // refresh of what is already registered). The queries then walk what was
 // loaded, and the registries are emptied again for the next input, so that
-// every input starts from the same state.
+// every input starts from the same state. What loads must also survive the
+// load cache's encoding: decoded, it encodes to the same bytes.
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "FuzzSupport.h"
 #include "registry/Registries.h"
+#include "setup/LoadCache.h"
+#include "units/KVexpr.h"
 #include "xun.h"
 
 namespace {
@@ -88,6 +92,22 @@ void WalkFilters() {
         FreeList(list);
 }
 
+// What the load cache would store of the registries decodes into registries
+// that encode to the same bytes.
+void RoundTrip() {
+    std::string payload;
+    if (!xunEncodeRegistries_(xunRegistries_(), szDecimalSymbol, payload))
+        return;
+    char symbol = ' ';
+    std::unique_ptr<CKVregistries> decoded = xunDecodeRegistries_(
+        reinterpret_cast<const unsigned char*>(payload.data()), payload.size(), symbol);
+    if (decoded == nullptr)
+        xunFuzzFail("loaded registries do not decode from their own encoding");
+    std::string again;
+    if (!xunEncodeRegistries_(*decoded, symbol, again) || again != payload)
+        xunFuzzFail("decoded registries encode to other bytes");
+}
+
 } // namespace
 
 extern "C" int LLVMFuzzerInitialize(int*, char***) {
@@ -103,6 +123,7 @@ extern "C" int LLVMFuzzerTestOneInput(const uint8_t* data, size_t size) {
     } catch (const XunFuzzAssertion&) {
     }
     if (complete) {
+        RoundTrip();
         try {
             xunSetupLoad(path.c_str());
         } catch (const XunFuzzAssertion&) {

@@ -15,10 +15,12 @@
 #include <vector>
 
 #include <dirent.h>
+#include <ftw.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include "common/Assert.h"
 #include "common/Contract.h"
 #include "registry_access.h"
 #include "setup/Installation.h"
@@ -454,6 +456,62 @@ TEST(LoadCachePayload, DecodesWhatItEncodesAndNothingElse) {
             EXPECT_EQ(encoded, changed) << at;
         }
     }
+}
+
+std::vector<std::string>* Found_ = nullptr;
+
+int CollectSetupFile(const char* path, const struct stat*, int type, struct FTW*) {
+    const std::string name = path;
+    const bool xml = name.size() > 4 && name.compare(name.size() - 4, 4, ".xml") == 0;
+    if (type == FTW_F && (xml || name.find("/corpus/setup/") != std::string::npos))
+        Found_->push_back(name);
+    return 0;
+}
+
+// Every setup file of the tests and of the setup fuzz target's corpus that
+// loads: its registries encoded and decoded answer everything as the loaded
+// ones do (compared by the same dump, with the decoded registry in place of
+// the loaded one).
+TEST(LoadCachePayload, EverySetupFileOfTheTestsRoundTrips) {
+    setenv("XUN_CACHE_DIR", "off", 1);
+    const std::string data = std::getenv("XUN_TEST_DATA");
+    std::vector<std::string> files;
+    Found_ = &files;
+    nftw(data.c_str(), &CollectSetupFile, 16, FTW_PHYS);
+    nftw((data + "/../../fuzz/corpus/setup").c_str(), &CollectSetupFile, 16, FTW_PHYS);
+    ASSERT_GT(files.size(), 60u);
+    int roundTrips = 0;
+    for (const std::string& file : files) {
+        xunResetRegistries_();
+        int loaded = 0;
+        testing::internal::CaptureStdout();
+        testing::internal::CaptureStderr();
+        try {
+            XunAssertionTrap trap;
+            loaded = xunSetupLoad(file.c_str());
+        } catch (const XunAssertionFailed&) {
+            loaded = 0;
+        }
+        testing::internal::GetCapturedStdout();
+        testing::internal::GetCapturedStderr();
+        std::string payload;
+        if (loaded != 1 || !xunEncodeRegistries_(xuntest::Registries(), szDecimalSymbol, payload))
+            continue;
+        char symbol = ' ';
+        std::unique_ptr<CKVregistries> decoded = xunDecodeRegistries_(
+            reinterpret_cast<const unsigned char*>(payload.data()), payload.size(), symbol);
+        ASSERT_NE(decoded, nullptr) << file;
+        EXPECT_EQ(symbol, szDecimalSymbol) << file;
+        // (Each dump starts from no last error: the first one's calls leave
+        // one behind.)
+        xunClearLastError();
+        const std::string loadedDump = Dump();
+        xunReplaceRegistries_(std::move(decoded));
+        xunClearLastError();
+        EXPECT_EQ(Dump(), loadedDump) << file;
+        ++roundTrips;
+    }
+    EXPECT_GT(roundTrips, 40) << files.size();
 }
 
 } // namespace
