@@ -254,7 +254,8 @@ XUN_API void xunWriteItemTypeIncludes(void);
    $XDG_CACHE_HOME/libxun, else $HOME/.cache/libxun; XUN_CACHE_DIR "off"
    turns it off); a later process that loads the same bytes under the same
    locale takes the registry from there, with the same effects, instead of
-   parsing the XML again. */
+   parsing the XML again (xunLoadItemTypeTables: with the language files,
+   whose contents are part of its entry's key). */
 XUN_API void xunLoadItemTypeTables(const char* path);
 /* 1 when the setup file was loaded (NULL or "": the default file). */
 XUN_API int xunSetupLoad(const char* path);

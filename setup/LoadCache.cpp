@@ -479,17 +479,17 @@ std::string CXunLoadCache::Folder() {
     return std::string();
 }
 
-bool CXunLoadCache::Prepare(const std::string& fileName, const std::string& characterSet,
-                            char decimalSymbol) {
+bool CXunLoadCache::Prepare(const std::string& fileName, const std::vector<std::string>& beside,
+                            const std::string& characterSet, char decimalSymbol) {
     m_folder = Folder();
     // A name the XML layer could read as a URL is left to it.
     if (m_folder.empty() || BuildId().empty() || fileName.find(':') != std::string::npos ||
         fileName.size() >= static_cast<std::size_t>(xun::contract::kPathBufferSize))
         return false;
-    std::string reason;
-    if (!xunReadRegularFile_(fileName.c_str(), m_bytes, reason))
+    m_files.assign(1, fileName);
+    m_files.insert(m_files.end(), beside.begin(), beside.end());
+    if (!HashFiles(m_contents) || m_contents[0].empty())
         return false;
-    m_fileName = fileName;
     XXH3_state_t* state = XXH3_createState();
     if (state == nullptr)
         return false;
@@ -502,11 +502,49 @@ bool CXunLoadCache::Prepare(const std::string& fileName, const std::string& char
     XXH3_128bits_update(state, &characterSetSize, sizeof characterSetSize);
     XXH3_128bits_update(state, characterSet.data(), characterSet.size());
     XXH3_128bits_update(state, &decimalSymbol, 1);
-    XXH3_128bits_update(state, m_bytes.data(), m_bytes.size());
+    const std::uint64_t files = m_contents.size();
+    XXH3_128bits_update(state, &files, sizeof files);
+    for (const std::string& content : m_contents) {
+        const std::uint64_t size = content.size();
+        XXH3_128bits_update(state, &size, sizeof size);
+        XXH3_128bits_update(state, content.data(), content.size());
+    }
     XXH128_canonical_t key;
     XXH128_canonicalFromHash(&key, XXH3_128bits_digest(state));
     XXH3_freeState(state);
     std::memcpy(m_key, key.digest, sizeof m_key);
+    return true;
+}
+
+bool CXunLoadCache::HashFiles(std::vector<std::string>& contents) const {
+    contents.clear();
+    std::vector<char> buffer(std::size_t(1) << 16);
+    for (const std::string& path : m_files) {
+        // Each file as a reader of the library sees it: one that cannot be
+        // opened as a regular file is skipped by it (the empty content),
+        // one that opens is read whole (its content hash, 16 bytes).
+        std::string reason;
+        std::FILE* file = xunOpenRegularFile_(path.c_str(), "rb", reason);
+        if (file == nullptr) {
+            contents.emplace_back();
+            continue;
+        }
+        XXH3_state_t* state = XXH3_createState();
+        bool ok = state != nullptr && XXH3_128bits_reset(state) == XXH_OK;
+        std::size_t got;
+        while (ok && (got = std::fread(buffer.data(), 1, buffer.size(), file)) > 0)
+            ok = XXH3_128bits_update(state, buffer.data(), got) == XXH_OK;
+        ok = ok && !std::ferror(file);
+        std::fclose(file);
+        if (ok) {
+            XXH128_canonical_t hash;
+            XXH128_canonicalFromHash(&hash, XXH3_128bits_digest(state));
+            contents.emplace_back(reinterpret_cast<const char*>(hash.digest), sizeof hash.digest);
+        }
+        XXH3_freeState(state);
+        if (!ok)
+            return false;
+    }
     return true;
 }
 
@@ -560,9 +598,8 @@ std::unique_ptr<CKVregistries> CXunLoadCache::Find(char& decimalSymbol) const {
 }
 
 bool CXunLoadCache::Unchanged() const {
-    std::vector<unsigned char> bytes;
-    std::string reason;
-    return xunReadRegularFile_(m_fileName.c_str(), bytes, reason) && bytes == m_bytes;
+    std::vector<std::string> contents;
+    return HashFiles(contents) && contents == m_contents;
 }
 
 void CXunLoadCache::Store(const CKVregistries& registries, char decimalSymbol) const {

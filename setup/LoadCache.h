@@ -34,18 +34,21 @@ class CXunLoadCache {
     // The cache folder from the environment; empty when the cache is off.
     static std::string Folder();
 
-    // Prepares the cache for a load of fileName: reads the file and makes
-    // the key, with the character-set environment the XML parser was (or
-    // will be) initialised in (xunCharacterSetEnvironment_). False when this
-    // load cannot use the cache (no folder, the file is no regular local
-    // file, the build has no build id, ...).
-    bool Prepare(const std::string& fileName, const std::string& characterSet, char decimalSymbol);
+    // Prepares the cache for a load of fileName and of the files beside it
+    // that the load reads after it (a file that cannot be opened counts as
+    // skipped): hashes them and makes the key, with the character-set
+    // environment the XML parser was (or will be) initialised in
+    // (xunCharacterSetEnvironment_). False when this load cannot use the
+    // cache (no folder, the setup file is no regular local file, the build
+    // has no build id, ...).
+    bool Prepare(const std::string& fileName, const std::vector<std::string>& beside,
+                 const std::string& characterSet, char decimalSymbol);
 
     // The registries stored under the key, and the decimal symbol after
     // that load; null when there is no usable entry.
     std::unique_ptr<CKVregistries> Find(char& decimalSymbol) const;
 
-    // Whether the file still has the bytes Prepare read.
+    // Whether the files still have the contents Prepare read.
     bool Unchanged() const;
 
     // Stores the registries of a clean load of the prepared bytes. Never
@@ -56,9 +59,13 @@ class CXunLoadCache {
     std::string EntryPath() const;
 
   private:
+    // The content hash of each file (the setup file first), empty for a
+    // file that cannot be opened.
+    bool HashFiles(std::vector<std::string>& contents) const;
+
     std::string m_folder;
-    std::string m_fileName;
-    std::vector<unsigned char> m_bytes;
+    std::vector<std::string> m_files;
+    std::vector<std::string> m_contents;
     unsigned char m_key[16] = {};
 };
 

@@ -6,7 +6,9 @@
 #include <vector>
 
 #include "common/RegularFile.h"
+#include "units/KVexpr.h"
 #include "langfile/KVLangFile.h"
+#include "setup/SetupLoader.h"
 
 using namespace xun::contract;
 
@@ -81,16 +83,36 @@ void ApplyUnitTexts(CKVregistries& registries, const std::string& fileName,
 
 } // namespace
 
+std::vector<std::string> xunLanguageFiles_(const std::string& dir) {
+    return {dir + "xuntype" + ".lan", dir + "xununit" + ".lan", dir + "xunfilter" + ".lan"};
+}
+
 void xunApplyLanguageFiles_(CKVregistries& registries, const std::string& dir,
                             CXunLoadReport& report) {
+    const std::vector<std::string> files = xunLanguageFiles_(dir);
     ApplyTypeTexts(
-        registries.itemTypes, "item type", dir + "xuntype" + ".lan", report,
+        registries.itemTypes, "item type", files[0], report,
         [](const CKVitemType& item) { return static_cast<int>(item.m_nNumId); },
         [](CKVitemType& item, std::string text) { item.m_strKey = std::move(text); });
-    ApplyUnitTexts(registries, dir + "xununit" + ".lan", report);
+    ApplyUnitTexts(registries, files[1], report);
     // The filter file has the format of the item-type file.
     ApplyTypeTexts(
-        registries.filters, "filter", dir + "xunfilter" + ".lan", report,
+        registries.filters, "filter", files[2], report,
         [](const CKVfilter& filter) { return static_cast<int>(static_cast<long>(filter)); },
         [](CKVfilter& filter, std::string text) { filter.m_strKey = std::move(text); });
+}
+
+bool CXunTablesCache::Load(const char* path, const std::string& dir) {
+    const std::string fileName = xunSetupFileName_(path);
+    m_cacheable = xunPrepareLoadCache_(m_cache, fileName, xunLanguageFiles_(dir));
+    return m_cacheable && xunLoadFromCache_(m_cache, fileName);
+}
+
+void CXunTablesCache::Store(const CXunLoadReport& report) const {
+    try {
+        if (m_cacheable && xunLastSetupLoadWasClean_() && report.MessageCount() == 0 &&
+            report.FatalCount() == 0 && m_cache.Unchanged())
+            m_cache.Store(xunRegistries_(), szDecimalSymbol);
+    } catch (const std::exception&) {
+    }
 }

@@ -936,14 +936,30 @@ int xunLoadSetupFile_(CKVregistries& registries, const char* path, CXunLoadRepor
 }
 
 namespace {
+// Whether the last load of the process-wide registry was clean: into an
+// empty registry, printing nothing, reading no file but the setup file.
+std::atomic<bool> LastLoadWasClean_{false};
+} // namespace
 
-// A load of fileName taken from the cache, with what a load that parses
-// does besides filling the registry: the XML parser library is initialised
-// (with the numeric locale "C", as a parse does it, and failing as it would
-// fail there), szDocName names the file and the evaluator's decimal symbol
-// is what that load left. False (nothing changed but the parser's
-// initialisation) when the cache has no entry.
-bool LoadFromCache(const CXunLoadCache& cache, const std::string& fileName) {
+bool xunLastSetupLoadWasClean_() {
+    return LastLoadWasClean_.load();
+}
+
+bool xunPrepareLoadCache_(CXunLoadCache& cache, const std::string& fileName,
+                          const std::vector<std::string>& beside) {
+    // The cache holds what a load put into an empty registry; the character
+    // set the parser converts texts into is part of the key: the one it was
+    // initialised with, or (not yet initialised) the one it will be.
+    const CKVregistries& registries = xunRegistries_();
+    return registries.units.Count() == 0 && registries.itemTypes.Count() == 0 &&
+           registries.filters.Count() == 0 && ParserState_.load() != ParserState::Broken &&
+           cache.Prepare(fileName, beside,
+                         ParserState_.load() == ParserState::Ready ? ParserCharacterSet_
+                                                                   : xunCharacterSetEnvironment_(),
+                         szDecimalSymbol);
+}
+
+bool xunLoadFromCache_(const CXunLoadCache& cache, const std::string& fileName) {
     const char* current = std::setlocale(LC_NUMERIC, nullptr);
     const std::string savedLocale = current != nullptr ? current : "C";
     std::setlocale(LC_NUMERIC, "C");
@@ -961,28 +977,18 @@ bool LoadFromCache(const CXunLoadCache& cache, const std::string& fileName) {
     xunReplaceRegistries_(std::move(cached));
     szDecimalSymbol = symbol;
     xunCopyPath_(szDocName, fileName.c_str());
+    xunSetLastLoadWasCached_(true);
     return true;
 }
 
-} // namespace
-
 int xunLoadProcessSetupFile_(const char* path, std::string& fileName, std::string* refusal) {
     fileName = xunSetupFileName_(path);
-    CKVregistries& registries = xunRegistries_();
-    // The cache holds what a load put into an empty registry; the character
-    // set the parser converts texts into is part of the key: the one it was
-    // initialised with, or (not yet initialised) the one it will be.
-    CXunLoadCache cache;
-    const bool cacheable =
-        registries.units.Count() == 0 && registries.itemTypes.Count() == 0 &&
-        registries.filters.Count() == 0 && ParserState_.load() != ParserState::Broken &&
-        cache.Prepare(fileName,
-                      ParserState_.load() == ParserState::Ready ? ParserCharacterSet_
-                                                                : xunCharacterSetEnvironment_(),
-                      szDecimalSymbol);
+    LastLoadWasClean_.store(false);
     xunSetLastLoadWasCached_(false);
-    if (cacheable && LoadFromCache(cache, fileName)) {
-        xunSetLastLoadWasCached_(true);
+    CXunLoadCache cache;
+    const bool cacheable = xunPrepareLoadCache_(cache, fileName, {});
+    if (cacheable && xunLoadFromCache_(cache, fileName)) {
+        LastLoadWasClean_.store(true);
         return 1;
     }
     CXunLoadReport report;
@@ -990,7 +996,9 @@ int xunLoadProcessSetupFile_(const char* path, std::string& fileName, std::strin
     const int result =
         xunLoadSetupFile_(xunRegistries_(), path, report, fileName, refusal, &externalFiles);
     if (cacheable && result == 1 && report.MessageCount() == 0 && externalFiles == 0 &&
-        cache.Unchanged())
+        cache.Unchanged()) {
+        LastLoadWasClean_.store(true);
         cache.Store(xunRegistries_(), szDecimalSymbol);
+    }
     return result;
 }

@@ -10,9 +10,11 @@
 
 #include <cstddef>
 #include <string>
+#include <vector>
 
 #include "common/LoadReport.h"
 #include "registry/Registries.h"
+#include "setup/LoadCache.h"
 
 // Loads the setup file path (null or empty: $KORVANE_HOME/bin/XUN.xml) into
 // registries. Returns 1 when the document was loaded and processed, 0 when
@@ -38,3 +40,22 @@ std::string xunSetupFileName_(const char* path);
 // xunLoadSetupFile_ does (printing as designed), through the load cache
 // (setup/LoadCache.h) when the registry is empty.
 int xunLoadProcessSetupFile_(const char* path, std::string& fileName, std::string* refusal);
+
+// Whether the last xunLoadProcessSetupFile_ was clean (into an empty
+// registry, nothing printed, no file read but the setup file, which did
+// not change meanwhile), or taken from the cache.
+bool xunLastSetupLoadWasClean_();
+
+// Prepares cache for a load of fileName (and the files beside it that the
+// load reads after it) into the process-wide registry: false when such a
+// load cannot go through the cache (the registry is not empty, ...).
+bool xunPrepareLoadCache_(CXunLoadCache& cache, const std::string& fileName,
+                          const std::vector<std::string>& beside);
+
+// Takes a prepared load from the cache with what a load that parses does
+// besides filling the registry: the XML parser library is initialised (with
+// the numeric locale "C", as a parse does it, and failing as it would fail
+// there), szDocName names the file and the evaluator's decimal symbol is
+// what that load left. False (nothing changed but the parser's
+// initialisation) when the cache has no entry.
+bool xunLoadFromCache_(const CXunLoadCache& cache, const std::string& fileName);

@@ -228,7 +228,8 @@ TEST_F(LoadCache, ALoadFromTheCacheEqualsALoadThatParses) {
     const Child first = LoadInChild(m_home, m_cache);
     EXPECT_FALSE(first.cached);
     EXPECT_EQ(first.dump, parsed);
-    ASSERT_EQ(Entries(m_cache).size(), 1u);
+    // One entry for the setup file, one for it with the language files.
+    ASSERT_EQ(Entries(m_cache).size(), 2u);
     const Child second = LoadInChild(m_home, m_cache);
     EXPECT_TRUE(second.cached);
     EXPECT_EQ(second.dump, parsed);
@@ -237,7 +238,15 @@ TEST_F(LoadCache, ALoadFromTheCacheEqualsALoadThatParses) {
         m_home, m_cache, [] {}, Setup());
     EXPECT_TRUE(named.cached);
     EXPECT_EQ(named.dump, parsed);
-    EXPECT_EQ(Entries(m_cache).size(), 1u);
+    EXPECT_EQ(Entries(m_cache).size(), 2u);
+    // The setup file alone (xunSetupLoad, no language files) is the other
+    // entry: the child ends with status 5 unless that load came from it.
+    LoadInChild(m_home, m_cache, [] {
+        const std::string file = std::string(std::getenv("KORVANE_HOME")) + "/bin/XUN.xml";
+        if (xunSetupLoad(file.c_str()) != 1 || !xunLastLoadWasCached_())
+            _exit(5);
+    });
+    EXPECT_EQ(Entries(m_cache).size(), 2u);
 }
 
 TEST_F(LoadCache, AChangedFileIsParsedAgain) {
@@ -257,7 +266,34 @@ TEST_F(LoadCache, AChangedFileIsParsedAgain) {
     const Child again = LoadInChild(m_home, m_cache);
     EXPECT_TRUE(again.cached);
     EXPECT_EQ(again.dump, after);
-    EXPECT_EQ(Entries(m_cache).size(), 2u);
+    EXPECT_EQ(Entries(m_cache).size(), 4u);
+}
+
+TEST_F(LoadCache, AChangedLanguageFileIsReadAgain) {
+    LoadInChild(m_home, m_cache);
+    ASSERT_EQ(Entries(m_cache).size(), 2u);
+    const std::string units = m_home + "/bin/xununit.lan";
+    std::string text = ReadFile(units);
+    const size_t at = text.find("\"per mille\"");
+    ASSERT_NE(at, std::string::npos);
+    text.replace(at, 11, "\"per millE\"");
+    WriteFile(units, text);
+    const std::string changed = Parsed();
+    EXPECT_NE(changed.find("[per millE]"), std::string::npos);
+    // The setup file's entry still serves; the language files are read and a
+    // third entry holds the whole load.
+    EXPECT_EQ(LoadInChild(m_home, m_cache).dump, changed);
+    EXPECT_EQ(Entries(m_cache).size(), 3u);
+    EXPECT_EQ(LoadInChild(m_home, m_cache).dump, changed);
+    // A language file that is gone is a key of its own.
+    unlink(units.c_str());
+    const std::string without = Parsed();
+    EXPECT_EQ(without.find("[per millE]"), std::string::npos);
+    EXPECT_EQ(LoadInChild(m_home, m_cache).dump, without);
+    const Child again = LoadInChild(m_home, m_cache);
+    EXPECT_TRUE(again.cached);
+    EXPECT_EQ(again.dump, without);
+    EXPECT_EQ(Entries(m_cache).size(), 4u);
 }
 
 TEST_F(LoadCache, TheLocaleOfTheTextsIsPartOfTheKey) {
@@ -308,7 +344,7 @@ TEST_F(LoadCache, TheDecimalSymbolIsPartOfTheKey) {
     EXPECT_NE(parsedComma, parsed);
     const Child stored = LoadInChild(m_home, m_cache);
     EXPECT_FALSE(stored.cached);
-    ASSERT_EQ(Entries(m_cache).size(), 1u);
+    ASSERT_EQ(Entries(m_cache).size(), 2u);
     // The same bytes with the other symbol: not the stored entry.
     const Child other = LoadInChild(m_home, m_cache, comma);
     EXPECT_FALSE(other.cached);
@@ -321,9 +357,13 @@ TEST_F(LoadCache, TheDecimalSymbolIsPartOfTheKey) {
 TEST_F(LoadCache, ABrokenEntryIsIgnoredAndWrittenAgain) {
     const std::string parsed = Parsed();
     LoadInChild(m_home, m_cache);
-    ASSERT_EQ(Entries(m_cache).size(), 1u);
-    const std::string entry = Entries(m_cache)[0];
-    const std::string good = ReadFile(entry);
+    ASSERT_EQ(Entries(m_cache).size(), 2u);
+    // Both entries broken alike (the whole load's and the setup file's).
+    const std::vector<std::string> entries = Entries(m_cache);
+    std::vector<std::string> goods;
+    for (const std::string& entry : entries)
+        goods.push_back(ReadFile(entry));
+    const std::string& good = goods[0];
     std::vector<std::string> broken = {
         good.substr(0, good.size() / 2), // cut short
         good.substr(0, 20),              // inside the header
@@ -338,17 +378,30 @@ TEST_F(LoadCache, ABrokenEntryIsIgnoredAndWrittenAgain) {
         broken.push_back(flipped);
     }
     for (size_t i = 0; i < broken.size(); ++i) {
-        WriteFile(entry, broken[i]);
+        for (const std::string& entry : entries)
+            WriteFile(entry, broken[i]);
         const Child child = LoadInChild(m_home, m_cache);
         EXPECT_FALSE(child.cached) << i;
         EXPECT_EQ(child.dump, parsed) << i;
-        EXPECT_EQ(ReadFile(entry), good) << i;
+        for (size_t e = 0; e < entries.size(); ++e)
+            EXPECT_EQ(ReadFile(entries[e]), goods[e]) << i;
     }
-    // A symbolic link in the entry's place is not followed.
-    unlink(entry.c_str());
+    // One of them broken: the other serves (the setup file's, then the
+    // language files are read; or the whole load's).
+    for (size_t e = 0; e < entries.size(); ++e) {
+        WriteFile(entries[e], broken[0]);
+        const Child child = LoadInChild(m_home, m_cache);
+        EXPECT_TRUE(child.cached) << e;
+        EXPECT_EQ(child.dump, parsed) << e;
+        WriteFile(entries[e], goods[e]);
+    }
+    // A symbolic link in an entry's place is not followed.
     const std::string elsewhere = m_root + "/elsewhere";
-    WriteFile(elsewhere, good);
-    ASSERT_EQ(symlink(elsewhere.c_str(), entry.c_str()), 0);
+    for (size_t e = 0; e < entries.size(); ++e) {
+        unlink(entries[e].c_str());
+        WriteFile(elsewhere + std::to_string(e), goods[e]);
+        ASSERT_EQ(symlink((elsewhere + std::to_string(e)).c_str(), entries[e].c_str()), 0);
+    }
     const Child linked = LoadInChild(m_home, m_cache);
     EXPECT_FALSE(linked.cached);
     EXPECT_EQ(linked.dump, parsed);
