@@ -35,6 +35,8 @@ class CKVregistries {
 
 // The process-wide registry. (Inline, through the pointer that
 // xunResetRegistries_ replaces: a single conversion looks it up on every call.)
+// A load taken from the load cache replaces it too (xunReplaceRegistries_):
+// keep no reference to it across a load.
 extern CKVregistries* xunRegistriesInstance_;
 inline CKVregistries& xunRegistries_() {
     return *xunRegistriesInstance_;
