@@ -34,19 +34,18 @@ void xunLoadItemTypeTables(const char* path) {
         // A null path is taken as the empty text: the default setup file.
         const char* text = path != nullptr ? path : "";
         xunCopyPath_(szDllFileName, text);
-        const std::string dir = xunInstallDir_();
-        // The whole load from the load cache; what fails there fails as in
+        // The whole load from the load cache; what fails there (memory
+        // running out, from its first allocation on) fails as in
         // xunSetupLoad, whose part of the load it takes.
         CXunTablesCache tables;
-        const int cached =
-            Guard("xunSetupLoad", -1, [&] { return tables.Load(text, dir) ? 1 : 0; });
+        const int cached = Guard("xunSetupLoad", -1, [&] { return tables.Load(text) ? 1 : 0; });
         if (cached != 0)
             return cached == 1 ? 1 : 0;
         // Through the exported symbol, as a host would call it.
         if (!xunSetupLoad(text))
             return 0;
         CXunLoadReport report;
-        xunApplyLanguageFiles_(Registries(), dir, report);
+        xunApplyLanguageFiles_(Registries(), xunInstallDir_(), report);
         tables.Store(report);
         return 1;
     });

@@ -8,6 +8,7 @@
 #include "common/RegularFile.h"
 #include "units/KVexpr.h"
 #include "langfile/KVLangFile.h"
+#include "setup/Installation.h"
 #include "setup/SetupLoader.h"
 
 using namespace xun::contract;
@@ -102,9 +103,9 @@ void xunApplyLanguageFiles_(CKVregistries& registries, const std::string& dir,
         [](CKVfilter& filter, std::string text) { filter.m_strKey = std::move(text); });
 }
 
-bool CXunTablesCache::Load(const char* path, const std::string& dir) {
+bool CXunTablesCache::Load(const char* path) {
     const std::string fileName = xunSetupFileName_(path);
-    m_cacheable = xunPrepareLoadCache_(m_cache, fileName, xunLanguageFiles_(dir));
+    m_cacheable = xunPrepareLoadCache_(m_cache, fileName, xunLanguageFiles_(xunInstallDir_()));
     return m_cacheable && xunLoadFromCache_(m_cache, fileName);
 }
 

@@ -26,10 +26,10 @@ std::vector<std::string> xunLanguageFiles_(const std::string& dir);
 class CXunTablesCache {
   public:
     // Takes the whole load of path (null or empty: the default setup file)
-    // with the language files of dir from the cache when it holds it: true
-    // when it did (as xunLoadFromCache_ does it). Throws what the XML
-    // parser's initialisation throws.
-    bool Load(const char* path, const std::string& dir);
+    // with the language files of $KORVANE_HOME/bin from the cache when it
+    // holds it: true when it did (as xunLoadFromCache_ does it). Throws what
+    // the XML parser's initialisation throws, and std::bad_alloc.
+    bool Load(const char* path);
 
     // After a load that parsed or took only the setup file from the cache:
     // stores the registries when the setup load was clean, the language

@@ -12,9 +12,11 @@
 #include <string>
 
 #include <fcntl.h>
+#include <sys/wait.h>
 #include <unistd.h>
 
 #include "registry_access.h"
+#include "setup/LoadCache.h"
 #include "xun.h"
 
 namespace {
@@ -267,13 +269,9 @@ TEST_F(OutOfMemory, Loading) {
               0);
 }
 
-// The setup file and the language files of an installation (which cover
-// exactly its own keys), into an empty registry.
-TEST(OutOfMemoryLoad, LoadItemTypeTables) {
-    setenv("KORVANE_HOME", (Data() + "/setup/langhome").c_str(), 1);
-    // The XML parser library initialises itself on the first load of a
-    // process; memory running out there is tried below, apart.
-    ASSERT_EQ(xunSetupCheck((Data() + "/setup/basic.xml").c_str(), nullptr, nullptr, nullptr), 0);
+// xunLoadItemTypeTables("") with memory running out ever later, until it
+// loads (at least one attempt failing), and an item type loaded.
+void LoadTablesUntilItSucceeds() {
     EXPECT_GT(RunUntilItSucceeds("xunLoadItemTypeTables",
                                  [&] {
                                      Quiet quiet;
@@ -283,7 +281,53 @@ TEST(OutOfMemoryLoad, LoadItemTypeTables) {
               0);
     const char* text = nullptr;
     int key = 0;
-    ASSERT_EQ(xunGetItemTypeSeq(1, &key, &text), 1);
+    EXPECT_EQ(xunGetItemTypeSeq(1, &key, &text), 1);
+}
+
+// The setup file and the language files of an installation (which cover
+// exactly its own keys), into an empty registry.
+TEST(OutOfMemoryLoad, LoadItemTypeTables) {
+    setenv("KORVANE_HOME", (Data() + "/setup/langhome").c_str(), 1);
+    // The XML parser library initialises itself on the first load of a
+    // process; memory running out there is tried below, apart.
+    ASSERT_EQ(xunSetupCheck((Data() + "/setup/basic.xml").c_str(), nullptr, nullptr, nullptr), 0);
+    LoadTablesUntilItSucceeds();
+}
+
+// The same through the load cache, which holds the whole load: memory
+// running out in the part of the load the cache takes is recorded as
+// xunSetupLoad records it, and leaves the registry empty.
+TEST(OutOfMemoryLoad, LoadItemTypeTablesFromTheLoadCache) {
+    setenv("KORVANE_HOME", (Data() + "/setup/langhome").c_str(), 1);
+    char folder[] = "/tmp/xun-oom-cache-XXXXXX";
+    ASSERT_NE(mkdtemp(folder), nullptr);
+    setenv("XUN_CACHE_DIR", folder, 1);
+    // A fresh process fills the cache.
+    std::fflush(nullptr);
+    const pid_t child = fork();
+    if (child == 0) {
+        Quiet quiet;
+        xunLoadItemTypeTables("");
+        _exit(xunLastLoadWasCached_() ? 7 : 0);
+    }
+    int status = 0;
+    ASSERT_EQ(waitpid(child, &status, 0), child);
+    ASSERT_TRUE(WIFEXITED(status) && WEXITSTATUS(status) == 0) << status;
+    ASSERT_EQ(xunSetupCheck((Data() + "/setup/basic.xml").c_str(), nullptr, nullptr, nullptr), 0);
+    {
+        Quiet quiet;
+        xunClearLastError();
+        AllocationsLeft_ = 0;
+        xunLoadItemTypeTables("");
+        AllocationsLeft_ = -1;
+    }
+    const char* message = nullptr;
+    EXPECT_EQ(xunGetLastError(&message), XUN_ERR_NO_MEMORY);
+    EXPECT_STREQ(message, "xunSetupLoad: out of memory");
+    EXPECT_EQ(xuntest::Registries().units.Count(), 0u);
+    LoadTablesUntilItSucceeds();
+    const std::string command = std::string("rm -rf '") + folder + "'";
+    EXPECT_EQ(std::system(command.c_str()), 0);
 }
 
 // Memory running out while the XML parser library initialises itself for
