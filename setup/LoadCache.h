@@ -3,16 +3,18 @@
 // the same bytes takes it from there instead of parsing XML again.
 //
 // An entry is found by a key that covers everything the outcome of such a
-// load depends on: the bytes of the setup file, the build of this library
-// (its build id), the character set the XML parser converts texts into (the
-// locale and its environment variables) and the evaluator's decimal symbol.
-// Any change of any of them is another key: an entry is never out of date,
-// it is only no longer found.
+// load depends on: the contents of the setup file (and, for the whole load
+// of xunLoadItemTypeTables, of the language files it reads after it), the
+// build of this library (its build id), the character set the XML parser
+// converts texts into (the locale and its environment variables) and the
+// evaluator's decimal symbol. Any change of any of them is another key: an
+// entry is never out of date, it is only no longer found.
 //
-// Only clean loads are stored: into an empty registry, that printed nothing, read no file
-// but the setup file (no external DTD or entity), and whose file did not
-// change while it was read. Such a load is taken from the cache with the
-// same effects: the same registries, szDocName, decimal symbol and locale.
+// Only clean loads are stored: into an empty registry, that printed
+// nothing, read no file but the setup file (no external DTD or entity), and
+// whose files did not change while they were read. Such a load is taken
+// from the cache with the same effects: the same registries, szDocName,
+// decimal symbol and locale.
 //
 // The folder is XUN_CACHE_DIR, else $XDG_CACHE_HOME/libxun, else
 // $HOME/.cache/libxun; XUN_CACHE_DIR set to "" or "off" turns the cache off.
@@ -55,10 +57,9 @@ class CXunLoadCache {
     // throws: a cache that cannot be written is no error of the load.
     void Store(const CKVregistries& registries, char decimalSymbol) const;
 
-    // The entry's file (for tests).
-    std::string EntryPath() const;
-
   private:
+    // The entry's file.
+    std::string EntryPath() const;
     // The content hash of each file (the setup file first), empty for a
     // file that cannot be opened.
     bool HashFiles(std::vector<std::string>& contents) const;

@@ -124,12 +124,13 @@ struct Child {
     bool cached = false;
 };
 
-// Runs a load in a fresh child process: setenv for each (name, value), then
-// prepare(), then xunLoadItemTypeTables(path) with the home's language
-// files; returns the child's dump and whether its load came from the cache.
+// Runs a load in a fresh child process: KORVANE_HOME and XUN_CACHE_DIR set,
+// then prepare(), then xunLoadItemTypeTables(path) (path may be null) with
+// the home's language files; returns the child's dump and whether its load
+// came from the cache.
 Child LoadInChild(
     const std::string& home, const std::string& cacheDir,
-    const std::function<void()>& prepare = [] {}, const std::string& path = "") {
+    const std::function<void()>& prepare = [] {}, const char* path = "") {
     int ends[2];
     EXPECT_EQ(pipe(ends), 0);
     std::fflush(nullptr);
@@ -139,7 +140,7 @@ Child LoadInChild(
         setenv("KORVANE_HOME", home.c_str(), 1);
         setenv("XUN_CACHE_DIR", cacheDir.c_str(), 1);
         prepare();
-        xunLoadItemTypeTables(path.c_str());
+        xunLoadItemTypeTables(path);
         const std::string text =
             std::string(xunLastLoadWasCached_() ? "cached\n" : "parsed\n") + Dump();
         size_t done = 0;
@@ -235,9 +236,14 @@ TEST_F(LoadCache, ALoadFromTheCacheEqualsALoadThatParses) {
     EXPECT_EQ(second.dump, parsed);
     // A path given to the load, the same bytes: the same entry.
     const Child named = LoadInChild(
-        m_home, m_cache, [] {}, Setup());
+        m_home, m_cache, [] {}, Setup().c_str());
     EXPECT_TRUE(named.cached);
     EXPECT_EQ(named.dump, parsed);
+    // A null path is the default file, as without the cache.
+    const Child null = LoadInChild(
+        m_home, m_cache, [] {}, nullptr);
+    EXPECT_TRUE(null.cached);
+    EXPECT_EQ(null.dump, parsed);
     EXPECT_EQ(Entries(m_cache).size(), 2u);
     // The setup file alone (xunSetupLoad, no language files) is the other
     // entry: the child ends with status 5 unless that load came from it.
@@ -405,6 +411,87 @@ TEST_F(LoadCache, ABrokenEntryIsIgnoredAndWrittenAgain) {
     const Child linked = LoadInChild(m_home, m_cache);
     EXPECT_FALSE(linked.cached);
     EXPECT_EQ(linked.dump, parsed);
+}
+
+TEST_F(LoadCache, TheFolderComesFromTheEnvironment) {
+    const std::string parsed = Parsed();
+    // XUN_CACHE_DIR unset: $XDG_CACHE_HOME/libxun when that is an absolute
+    // path, else $HOME/.cache/libxun; with neither, no cache.
+    const std::string xdg = m_root + "/xdg";
+    const std::string home = m_root + "/user";
+    auto environment = [](const char* xdgValue, const char* homeValue) {
+        return [xdgValue, homeValue] {
+            unsetenv("XUN_CACHE_DIR");
+            if (xdgValue != nullptr)
+                setenv("XDG_CACHE_HOME", xdgValue, 1);
+            else
+                unsetenv("XDG_CACHE_HOME");
+            if (homeValue != nullptr)
+                setenv("HOME", homeValue, 1);
+            else
+                unsetenv("HOME");
+        };
+    };
+    for (int round = 0; round < 2; ++round) {
+        const Child child = LoadInChild(m_home, "", environment(xdg.c_str(), home.c_str()));
+        EXPECT_EQ(child.cached, round == 1);
+        EXPECT_EQ(child.dump, parsed);
+    }
+    EXPECT_EQ(Entries(xdg + "/libxun").size(), 2u);
+    EXPECT_TRUE(Entries(home + "/.cache/libxun").empty());
+    for (int round = 0; round < 2; ++round) {
+        const Child child = LoadInChild(m_home, "", environment("relative", home.c_str()));
+        EXPECT_EQ(child.cached, round == 1);
+        EXPECT_EQ(child.dump, parsed);
+    }
+    EXPECT_EQ(Entries(home + "/.cache/libxun").size(), 2u);
+    const Child none = LoadInChild(m_home, "", environment(nullptr, nullptr));
+    EXPECT_FALSE(none.cached);
+    EXPECT_EQ(none.dump, parsed);
+    EXPECT_EQ(Entries(xdg + "/libxun").size(), 2u);
+    EXPECT_EQ(Entries(home + "/.cache/libxun").size(), 2u);
+}
+
+TEST_F(LoadCache, AnEntryOfAnotherUserIsNotRead) {
+    if (geteuid() != 0)
+        GTEST_SKIP() << "giving an entry to another user needs root";
+    const std::string parsed = Parsed();
+    LoadInChild(m_home, m_cache);
+    const std::vector<std::string> entries = Entries(m_cache);
+    ASSERT_EQ(entries.size(), 2u);
+    for (const std::string& entry : entries)
+        ASSERT_EQ(chown(entry.c_str(), 65534, 65534), 0);
+    const Child child = LoadInChild(m_home, m_cache);
+    EXPECT_FALSE(child.cached);
+    EXPECT_EQ(child.dump, parsed);
+    // Written again, as the current user's.
+    struct stat status;
+    for (const std::string& entry : entries) {
+        ASSERT_EQ(stat(entry.c_str(), &status), 0);
+        EXPECT_EQ(status.st_uid, 0u);
+    }
+    EXPECT_TRUE(LoadInChild(m_home, m_cache).cached);
+}
+
+TEST_F(LoadCache, AFileThatCannotBeReadFailsAsWithoutTheCache) {
+    // The child ends with status 6 unless the failure is the one recorded
+    // without the cache.
+    auto missing = [] {
+        const std::string file = std::string(std::getenv("KORVANE_HOME")) + "/bin/none.xml";
+        testing::internal::CaptureStderr();
+        const int loaded = xunSetupLoad(file.c_str());
+        const std::string printed = testing::internal::GetCapturedStderr();
+        const char* message = nullptr;
+        if (loaded != 0 || xunGetLastError(&message) != XUN_ERR_FILE ||
+            std::string(message) != "xunSetupLoad: the setup file '" + file +
+                                        "' cannot be read or is not well-formed XML" ||
+            printed != "Document '" + file + "' not parsed successfully. \n")
+            _exit(6);
+    };
+    LoadInChild(m_home, "off", missing);
+    LoadInChild(m_home, m_cache, missing);
+    // Only the default load that follows in the child was stored.
+    EXPECT_EQ(Entries(m_cache).size(), 2u);
 }
 
 TEST_F(LoadCache, OnlyCleanLoadsIntoAnEmptyRegistryAreStored) {
